@@ -1,0 +1,24 @@
+# QuarnTargets.cmake - settings shared by every target the project builds
+
+# Warning flags stay private to our own targets.
+function(quarn_warnings target)
+  target_compile_options(${target} PRIVATE -Wall -Wextra)
+  if(QUARN_WERROR)
+    target_compile_options(${target} PRIVATE -Werror)
+  endif()
+endfunction()
+
+# A shared library of the project: versioned, hidden visibility, and linked
+# with -z defs (outside sanitizer builds) so that a missing symbol is a link
+# error here rather than a load error at a client.
+function(quarn_library target)
+  quarn_warnings(${target})
+  # Calls inside the library bind locally instead of going through the PLT.
+  target_compile_options(${target} PRIVATE -fno-semantic-interposition)
+  # Installed, each library finds its siblings (libquarn -> libquarnCore) beside itself.
+  set_target_properties(${target} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
+                                             INSTALL_RPATH "$ORIGIN")
+  if(NOT QUARN_SANITIZE)
+    target_link_options(${target} PRIVATE -Wl,-z,defs)
+  endif()
+endfunction()

@@ -1,0 +1,28 @@
+// ExampleLibrary.cpp - the example component library: its classes and entry point
+//
+// A component library lists its classes once, in a ComponentLibrary, and
+// exports DllCreateInstance, which the class system calls with a class name
+// when a host asks for a class that the library's registration files name.
+// The library also defines the statics of the interfaces it introduces.
+#include <quarn/core/ComponentLibrary.h>
+
+#include "Counter.h"
+#include "Greeter.h"
+
+namespace example {
+QUARN_DEFINE_INTERFACE(iGreeting);
+QUARN_DEFINE_INTERFACE(iCounter);
+}  // namespace example
+
+namespace {
+quarn::ComponentLibrary const library{
+    quarn::componentClass<example::Greeter>("Says hello to whoever it is given"),
+    quarn::componentClass<example::Counter>("Counts, one instance at a time"),
+};
+}  // namespace
+
+/// A new instance of `className` (reference count 0), or null for a name this
+/// library does not serve.
+extern "C" QUARN_COMPONENT_EXPORT quarn::DynamicObject *DllCreateInstance(char const *className) {
+  return library.createInstance(className);
+}

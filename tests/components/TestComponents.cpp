@@ -1,0 +1,42 @@
+// TestComponents.cpp - a real component library for the core tests
+//
+// Serves "Marlix.testlib.Widget" (a component that is also an iNode and an
+// iDataTree) through its class table. So that every test can register a class
+// name of its own, any name that starts with "Marlix.testlib.any." is served
+// by an Echo; a name that starts with "Marlix.testlib.throw." makes the entry
+// point throw.
+#include <cstring>
+
+#include <quarn/core/ComponentImpl.h>
+#include <quarn/core/ComponentLibrary.h>
+#include <quarn/core/Interfaces.h>
+#include <quarnCore/Exception.h>
+
+namespace {
+
+class Widget : public quarn::ComponentImpl<Widget, quarn::iNode, quarn::iDataTree> {
+  QUARN_COMPONENT(Widget)
+};
+QUARN_DEFINE_COMPONENT(Widget, "Marlix.testlib.Widget");
+
+class Echo : public quarn::ComponentImpl<Echo> {
+  QUARN_COMPONENT(Echo)
+};
+QUARN_DEFINE_COMPONENT(Echo, "Marlix.testlib.Echo");
+
+quarn::ComponentLibrary const library{
+    quarn::componentClass<Widget>("A widget for the tests"),
+    quarn::componentClass<Echo>("Made for any name under Marlix.testlib.any.", true),
+};
+
+bool startsWith(char const *text, char const *prefix) {
+  return text && std::strncmp(text, prefix, std::strlen(prefix)) == 0;
+}
+
+}  // namespace
+
+extern "C" QUARN_COMPONENT_EXPORT quarn::DynamicObject *DllCreateInstance(char const *className) {
+  if (startsWith(className, "Marlix.testlib.throw.")) throw quarn::Exception("The test library refuses %hs", className);
+  if (startsWith(className, "Marlix.testlib.any.")) return library.createInstance("Marlix.testlib.Echo");
+  return library.createInstance(className);
+}

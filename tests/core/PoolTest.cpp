@@ -1,0 +1,242 @@
+// PoolTest.cpp - the acquire / release protocol of pooled class objects
+#include <quarn/core/Class.h>
+#include <quarn/core/Object.h>
+#include <quarn/core/PooledClassImp.h>
+#include <quarn/core/PooledObject.h>
+#include <quarnCore/Exception.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <stdexcept>
+#include <thread>
+#include <vector>
+
+#include "support/ExpectThrow.h"
+
+namespace {
+
+// Atomic: onDeactivate runs outside the pool's lock.
+struct Counts {
+  std::atomic<int> constructed{0}, copied{0}, destroyed{0}, activated{0}, deactivated{0}, assigned{0};
+  void reset() {
+    for (auto *c : {&constructed, &copied, &destroyed, &activated, &deactivated, &assigned}) c->store(0);
+  }
+};
+
+// A pooled class that counts what the pool does to it. `Limit` is the pool bound.
+template <int Limit>
+class Probe : public quarn::Object, public quarn::PooledObject {
+ public:
+  static inline Counts counts;
+  static quarn::ClassTagDecl const Tag;
+  static quarn::PooledClassImp<Probe, Limit> m_class;
+
+  Probe() { ++counts.constructed; }
+  Probe(Probe const &other) : quarn::Object(other), quarn::PooledObject(other), value(other.value) {
+    if (other.value == -1) throw std::runtime_error("not a library exception");
+    if (other.value == -2) throw quarn::Exception("library exception from copy");
+    ++counts.copied;
+  }
+  ~Probe() override { ++counts.destroyed; }
+
+  static Probe *newInstance() { return m_class.acquire(); }
+  Probe *cloneProbe() const { return m_class.acquireCopy(*this); }
+  void deleteInstance() override {
+    Probe *self = this;
+    m_class.release(self);
+  }
+  quarn::ClassTag const &getClassTag() const override { return Tag; }
+  quarn::Class const &getClass() const override { return m_class; }
+  void onActivate() override { ++counts.activated; }
+  void onDeactivate() override { ++counts.deactivated; }
+  void assignToSameClass(Probe &target) const {
+    ++counts.assigned;
+    target.value = value;
+  }
+
+  int value = 0;
+};
+
+template <>
+quarn::ClassTagDecl const Probe<-1>::Tag("Marlix.test.PoolProbe");
+template <>
+quarn::PooledClassImp<Probe<-1>, -1> Probe<-1>::m_class{};
+template <>
+quarn::ClassTagDecl const Probe<3>::Tag("Marlix.test.BoundedPoolProbe");
+template <>
+quarn::PooledClassImp<Probe<3>, 3> Probe<3>::m_class{};
+
+using Unbounded = Probe<-1>;
+using Bounded = Probe<3>;
+
+class PoolTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    Unbounded::m_class.ClearPool(false);
+    Bounded::m_class.ClearPool(false);
+    Unbounded::counts.reset();
+    Bounded::counts.reset();
+  }
+  void TearDown() override { quarn::Object::m_dontUsePools = false; }
+};
+
+TEST_F(PoolTest, ReleasedInstanceIsReusedFirst) {
+  Unbounded *first = Unbounded::newInstance();
+  EXPECT_EQ(Unbounded::m_class.getOutstanding(), 1);
+  first->deleteInstance();
+  EXPECT_EQ(Unbounded::m_class.getOutstanding(), 0);
+  EXPECT_EQ(Unbounded::m_class.getPoolSize(), 1u);
+  Unbounded *second = Unbounded::newInstance();
+  EXPECT_EQ(second, first);
+  EXPECT_EQ(Unbounded::counts.constructed, 1);
+  EXPECT_EQ(Unbounded::counts.deactivated, 1);
+  EXPECT_EQ(Unbounded::counts.activated, 1);
+  second->deleteInstance();
+}
+
+TEST_F(PoolTest, LastReleasedComesBackFirst) {
+  Unbounded *a = Unbounded::newInstance();
+  Unbounded *b = Unbounded::newInstance();
+  a->deleteInstance();
+  b->deleteInstance();
+  Unbounded *x = Unbounded::newInstance();
+  Unbounded *y = Unbounded::newInstance();
+  EXPECT_EQ(x, b);
+  EXPECT_EQ(y, a);
+  x->deleteInstance();
+  y->deleteInstance();
+}
+
+TEST_F(PoolTest, SwitchedOffPoolsDestroyReleasedInstances) {
+  quarn::Object::m_dontUsePools = true;
+  Unbounded *p = Unbounded::newInstance();
+  p->deleteInstance();
+  EXPECT_EQ(Unbounded::counts.destroyed, 1);
+  EXPECT_EQ(Unbounded::counts.deactivated, 0);
+  EXPECT_EQ(Unbounded::m_class.getPoolSize(), 0u);
+  Unbounded *q = Unbounded::newInstance();
+  EXPECT_EQ(Unbounded::counts.constructed, 2);
+  q->deleteInstance();
+}
+
+TEST_F(PoolTest, SurplusReleaseIsReportedAsLeak) {
+  Unbounded *p = Unbounded::newInstance();
+  Unbounded *stray = new Unbounded();  // never acquired from the pool
+  p->deleteInstance();
+  Unbounded *keep = stray;
+  EXPECT_QUARN_THROW(Unbounded::m_class.release(stray),
+                     "Object leak, object being returned to pool when none were outstanding...");
+  EXPECT_EQ(stray, keep);  // left with the caller, neither pooled nor freed
+  EXPECT_EQ(Unbounded::m_class.getPoolSize(), 1u);
+  EXPECT_EQ(Unbounded::m_class.getOutstanding(), 0);
+  delete stray;
+}
+
+TEST_F(PoolTest, BoundCountsInstancesStillOut) {
+  Bounded *out[3] = {Bounded::newInstance(), Bounded::newInstance(), Bounded::newInstance()};
+  out[0]->deleteInstance();  // 3 out: 3 is not below 3, destroyed
+  EXPECT_EQ(Bounded::counts.destroyed, 1);
+  EXPECT_EQ(Bounded::m_class.getPoolSize(), 0u);
+  out[1]->deleteInstance();  // 2 out: pooled
+  EXPECT_EQ(Bounded::m_class.getPoolSize(), 1u);
+  out[2]->deleteInstance();
+  EXPECT_EQ(Bounded::m_class.getPoolSize(), 2u);
+  EXPECT_EQ(Bounded::m_class.getOutstanding(), 0);
+}
+
+TEST_F(PoolTest, CloneRecyclesAndAssignsOrCopyConstructs) {
+  Unbounded *source = Unbounded::newInstance();
+  source->value = 42;
+  Unbounded *copy = source->cloneProbe();  // pool empty: copy-constructed
+  EXPECT_EQ(copy->value, 42);
+  EXPECT_EQ(Unbounded::counts.copied, 1);
+  copy->deleteInstance();
+  Unbounded *recycled = source->cloneProbe();  // from the pool, given the state
+  EXPECT_EQ(recycled, copy);
+  EXPECT_EQ(recycled->value, 42);
+  EXPECT_EQ(Unbounded::counts.assigned, 1);
+  EXPECT_EQ(Unbounded::m_class.getOutstanding(), 2);
+  recycled->deleteInstance();
+  source->deleteInstance();
+}
+
+TEST_F(PoolTest, FailingCopyConstructorLeavesPoolUnchanged) {
+  Unbounded *source = Unbounded::newInstance();
+  source->value = -1;
+  EXPECT_QUARN_THROW(source->cloneProbe(), "Error when calling class copy constructor.");
+  source->value = -2;
+  EXPECT_QUARN_THROW(source->cloneProbe(), "library exception from copy");
+  EXPECT_EQ(Unbounded::m_class.getOutstanding(), 1);
+  source->deleteInstance();
+}
+
+TEST_F(PoolTest, ClearingPoolsDestroysFreeInstances) {
+  Unbounded *a = Unbounded::newInstance();
+  Unbounded *b = Unbounded::newInstance();
+  a->deleteInstance();
+  b->deleteInstance();
+  EXPECT_EQ(Unbounded::m_class.ClearPool(false), 2u);
+  EXPECT_EQ(Unbounded::counts.destroyed, 2);
+  Bounded::newInstance()->deleteInstance();
+  quarn::Class::clearAllClassPools();
+  EXPECT_EQ(Bounded::m_class.getPoolSize(), 0u);
+  EXPECT_EQ(Unbounded::m_class.ClearPool(false), 0u);
+}
+
+TEST_F(PoolTest, NoClassReportsPoolStatistics) {
+  quarn::BaseString<unsigned short> report("stale");
+  quarn::Class::debugAllClassPools(report);
+  EXPECT_FALSE(report.isNull());
+  EXPECT_EQ(report.getLength(), 0u);
+}
+
+TEST_F(PoolTest, DefaultDebugInfoLeavesFourthNumber) {
+  quarn::BaseString<unsigned short> name;
+  int a = 0, b = 0, c = 0, d = 77;
+  EXPECT_FALSE(Unbounded::m_class.getPoolDebugInfo(name, a, b, c, d));
+  EXPECT_EQ(name, quarn::BaseString<unsigned short>("Marlix.test.PoolProbe"));
+  EXPECT_EQ(a, -1);
+  EXPECT_EQ(c, -1);
+  EXPECT_EQ(d, 77);
+}
+
+TEST_F(PoolTest, LookupByTagCreatesThroughBoundClass) {
+  quarn::Object *made = quarn::Class::getClassInstance(quarn::ClassTag("marlix.test.poolprobe"));
+  EXPECT_EQ(made->getClassTag(), Unbounded::Tag);
+  made->deleteInstance();
+  EXPECT_EQ(&quarn::Class::getClass(Unbounded::Tag), &Unbounded::m_class);
+  quarn::ClassTag unknown("Marlix.test.NobodyServesThis");
+  EXPECT_EQ(quarn::Class::findClassInstance(unknown), nullptr);
+  EXPECT_EQ(quarn::Class::findClass(unknown), nullptr);
+  EXPECT_QUARN_THROW(quarn::Class::getClassInstance(unknown), "Class Marlix.test.NobodyServesThis not registered.");
+  EXPECT_QUARN_THROW(quarn::Class::getClass(unknown), "Class Marlix.test.NobodyServesThis not registered.");
+}
+
+TEST_F(PoolTest, ConcurrentAcquireAndReleaseKeepCountsExact) {
+  constexpr int kThreads = 4, kRounds = 20000, kHeld = 8;
+  unsigned long createdBefore = Unbounded::m_class.getCreatedCount();
+  unsigned long reusedBefore = Unbounded::m_class.getReusedCount();
+  std::vector<std::thread> threads;
+  for (int t = 0; t < kThreads; ++t) {
+    threads.emplace_back([] {
+      Unbounded *held[kHeld];
+      for (int r = 0; r < kRounds; ++r) {
+        for (auto &p : held) p = Unbounded::newInstance();
+        for (auto &p : held) p->deleteInstance();
+      }
+    });
+  }
+  for (auto &t : threads) t.join();
+  EXPECT_EQ(Unbounded::m_class.getOutstanding(), 0);
+  unsigned int pooled = Unbounded::m_class.getPoolSize();
+  EXPECT_LE(pooled, static_cast<unsigned int>(kThreads * kHeld));
+  unsigned long created = Unbounded::m_class.getCreatedCount() - createdBefore;
+  unsigned long reused = Unbounded::m_class.getReusedCount() - reusedBefore;
+  EXPECT_EQ(created, static_cast<unsigned long>(Unbounded::counts.constructed.load()));
+  EXPECT_EQ(created, pooled);  // nothing destroyed: every instance made is back in the pool
+  EXPECT_EQ(created + reused, static_cast<unsigned long>(kThreads) * kRounds * kHeld);
+  EXPECT_EQ(Unbounded::counts.activated.load(), static_cast<int>(reused));
+}
+
+}  // namespace

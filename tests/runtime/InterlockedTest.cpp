@@ -1,0 +1,40 @@
+// InterlockedTest.cpp - counters changed from many threads at once
+#include <quarnCore/Interlocked.h>
+
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+constexpr int kThreads = 4;
+constexpr int kPerThread = 50000;
+
+TEST(InterlockedTest, EveryIncrementReturnsADistinctNewValue) {
+  long counter = 0;
+  std::vector<char> seen(kThreads * kPerThread + 1, 0);
+  std::vector<std::thread> threads;
+  for (int t = 0; t < kThreads; ++t) {
+    threads.emplace_back([&] {
+      for (int i = 0; i < kPerThread; ++i) seen[quarn::InterlockedIncrement(counter)] = 1;
+    });
+  }
+  for (auto &t : threads) t.join();
+  EXPECT_EQ(counter, kThreads * kPerThread);
+  for (std::size_t v = 1; v < seen.size(); ++v) ASSERT_EQ(seen[v], 1) << v;
+
+  threads.clear();
+  int zeros = 0;
+  for (int t = 0; t < kThreads; ++t) {
+    threads.emplace_back([&] {
+      for (int i = 0; i < kPerThread; ++i)
+        if (quarn::ForcedInterlockedDecrement(counter) == 0) ++zeros;  // only one thread ever sees 0
+    });
+  }
+  for (auto &t : threads) t.join();
+  EXPECT_EQ(counter, 0);
+  EXPECT_EQ(zeros, 1);
+}
+
+}  // namespace

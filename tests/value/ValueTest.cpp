@@ -1,0 +1,160 @@
+// ValueTest.cpp - the defaults and refusals of the value root, and its slot order
+#include <gtest/gtest.h>
+#include <quarn/value/IntegerValue.h>
+#include <quarn/value/Value.h>
+#include <quarnCore/Exception.h>
+
+#include <cstdint>
+#include <cstring>
+
+#include "support/ExpectThrow.h"
+#include "value/ValueTesting.h"
+
+namespace quarn::test {
+namespace {
+
+// A value that keeps every default of Value: it holds an optional integer.
+class Bare : public Value {
+ public:
+  ~Bare() override = default;
+  void serialize(iByteOutputStream &out) const override { Value::serialize(out); }
+  void deserialize(iByteInputStream &in) override { Value::deserialize(in); }
+  void deleteInstance() override { delete this; }
+  int getInteger() const override { return held; }
+  bool getBoolean() const override { return held != 0; }
+  double getDouble() const override { return held; }
+  void getString(WString &out) const override { out = WString("seven"); }
+  void getArray(Array<WString> &) const override {}
+  void getArray(Array<double> &) const override {}
+  void getArray(Array<int> &) const override {}
+  void getArray(Array<bool> &) const override {}
+  Value *cloneValue() const override { return nullptr; }
+  void assignToSameClass(Value &) const override {}
+  bool findString(WString &out) const override { return defined && Value::findString(out); }
+  int compare(Value const &) const override { return 0; }
+  void clear() override {}
+  void onDeactivate() override {}
+
+  int held = 7;
+  bool defined = true;
+};
+
+TEST(ValueTest, ValueItselfCannotBeCreatedOrCloned) {
+  EXPECT_QUARN_THROW(Value::newInstance(), "It is invalid to create an interface instance: Marlix.value.Value");
+  EXPECT_QUARN_THROW(Value::m_class.newInstance(), "It is invalid to create an interface instance: Marlix.value.Value");
+  Bare bare;
+  EXPECT_QUARN_THROW(bare.clone(), "It is invalid to clone an interface: Marlix.value.Value");
+}
+
+TEST(ValueTest, DefaultsOfAScalar) {
+  Bare bare;
+  EXPECT_EQ(bare.getSize(), 1u);
+  EXPECT_EQ(bare.getItemValueType(), Value::Tag);
+  EXPECT_STREQ(bare.getArrayValueType().getName(), "Marlix.value.ValueArrayValue");
+  int i = 0;
+  EXPECT_TRUE(bare.findInteger(i));
+  EXPECT_EQ(i, 7);
+
+  WString text = u16(u"old"), extra = u16(u"old");
+  EXPECT_TRUE(bare.getXMLText(text, extra));
+  EXPECT_EQ(str(text), u"seven");
+  EXPECT_FALSE(extra.isNull());
+  EXPECT_EQ(str(extra), u"");
+}
+
+TEST(ValueTest, DumpSaysUndefinedWhenNoTextIsFound) {
+  Bare bare;
+  bare.defined = false;
+  WString out = u16(u"previous");
+  bare.dump(out, 0);
+  EXPECT_EQ(str(out), u"undefined");
+  bare.dump(out, 1);
+  EXPECT_EQ(str(out), u"Marlix.value.Value:undefined");
+  bare.dump(out, 2);  // only bit 0 asks for the class name
+  EXPECT_EQ(str(out), u"undefined");
+}
+
+TEST(ValueTest, DumpOfAnIntegerShowsItsClassNameOnRequest) {
+  WString out;
+  IntegerValue(42).dump(out, 1);
+  EXPECT_EQ(str(out), u"Marlix.value.IntegerValue:42");
+}
+
+TEST(ValueTest, SetFromXMLTextFailureGivesTheTextBackUntouched) {
+  IntegerValue value(5);
+  WString text = u16(u"12x");
+  unsigned short const *buffer = text.getBuffer();
+  EXPECT_QUARN_THROW(value.setFromXMLText(text, WString()), "Cannot convert '12x' to an integer");
+  EXPECT_EQ(text.getBuffer(), buffer);
+  EXPECT_EQ(str(text), u"12x");
+  EXPECT_EQ(value.getInteger(), 5);
+  value.setFromXMLText(u16(u" -12 "), WString());
+  EXPECT_EQ(value.getInteger(), -12);
+}
+
+#if defined(__GXX_ABI_VERSION)
+// In this ABI a pointer to a virtual member function holds 1 + the byte
+// offset of its vtable entry. The destructor takes two entries, so from slot
+// 12 on the entry index equals the slot number.
+template <class F>
+std::size_t entryOf(F member) {
+  struct {
+    std::uintptr_t ptr;
+    std::ptrdiff_t adjust;
+  } raw;
+  static_assert(sizeof(F) == sizeof(raw));
+  std::memcpy(&raw, &member, sizeof raw);
+  return (raw.ptr - 1) / sizeof(void *);
+}
+
+struct Slots : Value {
+  static std::size_t seek() { return entryOf(&Slots::_SeekClassIdentity); }
+  static std::size_t add() { return entryOf(&Slots::AddToLeakDetector); }
+  static std::size_t remove() { return entryOf(&Slots::RemoveFromLeakDetector); }
+};
+
+TEST(ValueTest, VirtualOperationsKeepTheirSlotOrder) {
+  using V = Value;
+  struct Case {
+    std::size_t entry;
+    std::size_t expected;
+  } const cases[] = {
+      {entryOf(&V::getClassTag), 0},
+      {entryOf(&V::hash), 4},
+      {entryOf(&V::clone), 5},
+      {entryOf(&V::getClass), 6},
+      {entryOf(&V::serialize), 7},
+      {entryOf(&V::deserialize), 8},
+      {entryOf(&V::deleteInstance), 9},
+      {Slots::seek(), 12},
+      {entryOf(&V::getSize), 13},
+      {entryOf(&V::getInteger), 14},
+      {entryOf(&V::getBoolean), 15},
+      {entryOf(&V::getDouble), 16},
+      {entryOf(static_cast<void (V::*)(WString &) const>(&V::getString)), 17},
+      {entryOf(static_cast<void (V::*)(Array<WString> &) const>(&V::getArray)), 18},
+      {entryOf(static_cast<void (V::*)(Array<double> &) const>(&V::getArray)), 19},
+      {entryOf(static_cast<void (V::*)(Array<int> &) const>(&V::getArray)), 20},
+      {entryOf(static_cast<void (V::*)(Array<bool> &) const>(&V::getArray)), 21},
+      {entryOf(&V::dump), 22},
+      {Slots::add(), 23},
+      {Slots::remove(), 24},
+      {entryOf(&V::getItemValueType), 25},
+      {entryOf(&V::getArrayValueType), 26},
+      {entryOf(&V::cloneValue), 27},
+      {entryOf(&V::assignToSameClass), 28},
+      {entryOf(&V::findDouble), 29},
+      {entryOf(&V::findInteger), 30},
+      {entryOf(&V::findBoolean), 31},
+      {entryOf(&V::findString), 32},
+      {entryOf(&V::compare), 33},
+      {entryOf(&V::getXMLText), 34},
+      {entryOf(&V::setFromXMLText), 35},
+      {entryOf(&V::clear), 36},
+  };
+  for (std::size_t k = 0; k < std::size(cases); ++k) EXPECT_EQ(cases[k].entry, cases[k].expected) << "case " << k;
+}
+#endif
+
+}  // namespace
+}  // namespace quarn::test
