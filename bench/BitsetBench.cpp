@@ -44,8 +44,8 @@ namespace {
 
 constexpr unsigned int kBits = 2048;
 constexpr unsigned int kWords64 = kBits / 64;
-constexpr unsigned int kPool = 512;           // fingerprints per micro-benchmark pass
-constexpr unsigned int kLibrary = 1000000;    // fingerprints screened
+constexpr unsigned int kPool = 512;         // fingerprints per micro-benchmark pass
+constexpr unsigned int kLibrary = 1000000;  // fingerprints screened
 constexpr double kThreshold = 0.7;
 
 using Words = std::vector<std::uint64_t>;  // kWords64 per fingerprint
@@ -80,16 +80,24 @@ struct Quarn {
   static void build(Words const &words, unsigned int count, Set &out) {
     out.resize(count);
     for (unsigned int f = 0; f < count; ++f)
-      out[f].setFromBuffer(reinterpret_cast<char const *>(&words[static_cast<std::size_t>(f) * kWords64]),
-                           kBits / 8, kBits);
+      out[f].setFromBuffer(reinterpret_cast<char const *>(&words[static_cast<std::size_t>(f) * kWords64]), kBits / 8,
+                           kBits);
   }
-  static quarn::BitFingerprintValue const &at(Set const &set, unsigned int f) { return set.getElements().getBuffer()[f]; }
+  static quarn::BitFingerprintValue const &at(Set const &set, unsigned int f) {
+    return set.getElements().getBuffer()[f];
+  }
   template <class F>
-  static unsigned int count(F const &a) { return a.getNumBitsOn(); }
+  static unsigned int count(F const &a) {
+    return a.getNumBitsOn();
+  }
   template <class F>
-  static unsigned int andCount(F const &a, F const &b) { return a.getAndBitsOn(b); }
+  static unsigned int andCount(F const &a, F const &b) {
+    return a.getAndBitsOn(b);
+  }
   template <class F>
-  static unsigned int orCount(F const &a, F const &b) { return a.getOrBitsOn(b); }
+  static unsigned int orCount(F const &a, F const &b) {
+    return a.getOrBitsOn(b);
+  }
 };
 
 struct StdBitset {
@@ -118,11 +126,10 @@ struct Boost {
   using Fingerprint = boost::dynamic_bitset<std::uint64_t>;
   using Set = std::vector<Fingerprint>;
   static void build(Words const &words, unsigned int count, Set &out) {
-    out.clear();
-    out.reserve(count);
+    out.assign(count, Fingerprint(kBits));
     for (unsigned int f = 0; f < count; ++f) {
       auto const *begin = &words[static_cast<std::size_t>(f) * kWords64];
-      out.emplace_back(begin, begin + kWords64);
+      boost::from_block_range(begin, begin + kWords64, out[f]);
     }
   }
   static Fingerprint const &at(Set const &set, unsigned int f) { return set[f]; }
@@ -269,8 +276,7 @@ int main(int argc, char **argv) {
   quarn::bench::RatioReporter reporter;
   for (char const *peer : {"std::bitset", "boost"})
     for (char const *work : {"count", "and", "tanimoto", "screen"})
-      reporter.add({std::string(work) + " quarn/" + peer, std::string(work) + "/quarn",
-                    std::string(work) + "/" + peer,
+      reporter.add({std::string(work) + " quarn/" + peer, std::string(work) + "/quarn", std::string(work) + "/" + peer,
                     std::string(work) == "screen" ? "bytes_per_second" : "items_per_second"});
   reporter.add({"screen quarn/memcpy", "screen/quarn", "memcpy", "bytes_per_second"});
   return quarn::bench::runWithRatios(argc, argv, reporter);

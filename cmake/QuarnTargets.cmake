@@ -15,6 +15,10 @@ function(quarn_library target)
   quarn_warnings(${target})
   # Calls inside the library bind locally instead of going through the PLT.
   target_compile_options(${target} PRIVATE -fno-semantic-interposition)
+  # Inline variables (ours and the standard library's) would otherwise become
+  # process-unique symbols, and the loader never unloads a library that holds
+  # one: both libraries must be able to leave a process that loaded them with dlopen.
+  target_compile_options(${target} PRIVATE -fno-gnu-unique)
   # Installed, each library finds its siblings (libquarn -> libquarnCore) beside itself.
   set_target_properties(${target} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
                                              INSTALL_RPATH "$ORIGIN")

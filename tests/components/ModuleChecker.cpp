@@ -3,10 +3,10 @@
 // The probe program does not link libquarn: it loads it with dlopen, then
 // this library (which links it) to look inside. Every function answers in
 // plain C types.
-#include <cstdio>
-
 #include <quarn/core/ComponentLibrary.h>
 #include <quarn/core/ComponentObject.h>
+
+#include <cstdio>
 
 #include "components/Catalogue.h"
 

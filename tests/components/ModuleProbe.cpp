@@ -12,10 +12,9 @@
 // list, which libquarn's detectors left at unload) are walked. Prints "ok"
 // and exits 0, or prints the first problem and exits 1.
 #include <dlfcn.h>
+#include <quarnCore/LeakDetector.h>
 
 #include <cstdio>
-
-#include <quarnCore/LeakDetector.h>
 
 namespace {
 

@@ -5,12 +5,12 @@
 // name of its own, any name that starts with "Marlix.testlib.any." is served
 // by an Echo; a name that starts with "Marlix.testlib.throw." makes the entry
 // point throw.
-#include <cstring>
-
 #include <quarn/core/ComponentImpl.h>
 #include <quarn/core/ComponentLibrary.h>
 #include <quarn/core/Interfaces.h>
 #include <quarnCore/Exception.h>
+
+#include <cstring>
 
 namespace {
 

@@ -1,12 +1,11 @@
 // CreateInstanceTest.cpp - creating classes by name from real component libraries
+#include <gtest/gtest.h>
 #include <quarn/core/CZedLibraryUtils.h>
 #include <quarn/core/Class.h>
 #include <quarn/core/DynamicCreation.h>
 #include <quarn/core/DynamicObject.h>
 #include <quarn/core/Interfaces.h>
 #include <quarn/core/Ptr.h>
-
-#include <gtest/gtest.h>
 
 #include <string>
 
@@ -98,7 +97,8 @@ TEST(CreateInstanceTest, LibraryThatMakesNothingLeavesTheNameUnregistered) {
   scratch.registerTo(QUARN_TEST_COMPONENTS);
   EXPECT_EQ(quarn::createInstance(scratch.c_str()), nullptr);
   EXPECT_EQ(Class::findClassInstance(ClassTag(scratch.c_str())), nullptr);
-  EXPECT_QUARN_THROW(Class::getClassInstance(ClassTag(scratch.c_str())), "Class " + scratch.name() + " not registered.");
+  EXPECT_QUARN_THROW(Class::getClassInstance(ClassTag(scratch.c_str())),
+                     "Class " + scratch.name() + " not registered.");
 }
 
 TEST(CreateInstanceTest, FailuresNameTheLibraryTheClassAndTheFile) {
@@ -146,7 +146,8 @@ TEST(CreateInstanceTest, ServerPathIsUtf16) {
   scratch.registerTo("/opt/caf\xC3\xA9/lib.so");
   quarn::BaseString<unsigned short> path;
   ASSERT_TRUE(quarn::ServerPathFromClassName(ClassTag(scratch.c_str()), path));
-  unsigned short const expected[] = {'/', 'o', 'p', 't', '/', 'c', 'a', 'f', 0xE9, '/', 'l', 'i', 'b', '.', 's', 'o', 0};
+  unsigned short const expected[] = {'/', 'o', 'p', 't', '/', 'c', 'a', 'f', 0xE9,
+                                     '/', 'l', 'i', 'b', '.', 's', 'o', 0};
   EXPECT_EQ(path, quarn::BaseString<unsigned short>(expected));
 }
 

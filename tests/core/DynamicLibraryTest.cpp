@@ -1,11 +1,9 @@
 // DynamicLibraryTest.cpp - opening libraries, symbols, and the failure texts kept
-#include <quarn/core/DynamicLibrary.h>
-
 #include <gtest/gtest.h>
+#include <quarn/core/DynamicLibrary.h>
+#include <quarnCore/Unicode.h>
 
 #include <string>
-
-#include <quarnCore/Unicode.h>
 
 namespace {
 

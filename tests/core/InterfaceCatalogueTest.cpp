@@ -1,10 +1,9 @@
 // InterfaceCatalogueTest.cpp - every interface bound at start-up, and the glue they share
+#include <gtest/gtest.h>
 #include <quarn/core/Class.h>
 #include <quarn/core/ComponentImpl.h>
 #include <quarn/core/Interfaces.h>
 #include <quarn/core/Ptr.h>
-
-#include <gtest/gtest.h>
 
 #include <set>
 #include <string>

@@ -1,13 +1,11 @@
 // LibraryUtilsTest.cpp - a library's registration files, its identifier, the factory map and the class table
+#include <dlfcn.h>
+#include <gtest/gtest.h>
 #include <quarn/core/CZedLibraryUtils.h>
 #include <quarn/core/ComponentImpl.h>
 #include <quarn/core/ComponentLibrary.h>
 #include <quarn/core/DynamicCreation.h>
 #include <quarn/core/Ptr.h>
-
-#include <dlfcn.h>
-
-#include <gtest/gtest.h>
 
 #include <cstdio>
 #include <cstdlib>

@@ -5,10 +5,10 @@
 // start-up interned and bound everything, that a component library's classes
 // bind and unbind with it, and that libquarn unloads and loads again cleanly.
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 
 #include <cstdio>
 #include <string>
-#include <sys/wait.h>
 
 namespace {
 
@@ -30,7 +30,8 @@ ProbeRun runProbe(std::string const &arguments) {
 }
 
 TEST(ModuleLoadTest, LibquarnLoadsBindsEverythingAndUnloadsCleanlyTwice) {
-  ProbeRun run = runProbe(std::string("'") + QUARN_LIBRARY + "' '" + QUARN_MODULE_CHECKER + "' '" + QUARN_TEST_COMPONENTS + "'");
+  ProbeRun run =
+      runProbe(std::string("'") + QUARN_LIBRARY + "' '" + QUARN_MODULE_CHECKER + "' '" + QUARN_TEST_COMPONENTS + "'");
   EXPECT_EQ(run.status, 0) << run.output;
   EXPECT_EQ(run.output, "ok\n");
 }

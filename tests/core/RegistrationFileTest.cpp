@@ -1,9 +1,8 @@
 // RegistrationFileTest.cpp - where registration files live, their versions, their exact text, reading them
+#include <gtest/gtest.h>
 #include <quarn/core/CClassRegistryFile.h>
 #include <quarn/core/Class.h>
 #include <quarn/core/DynamicCreation.h>
-
-#include <gtest/gtest.h>
 
 #include <set>
 #include <string>
@@ -48,7 +47,8 @@ TEST(RegistrationFileTest, VersionInUseIsTheLastBeforeAGap) {
   };
   for (Case const &c : cases) {
     ScratchClass scratch;
-    for (int v : c.present) scratch.write("<mxq:class><mxq:server>/v" + std::to_string(v) + "</mxq:server></mxq:class>", v);
+    for (int v : c.present)
+      scratch.write("<mxq:class><mxq:server>/v" + std::to_string(v) + "</mxq:server></mxq:class>", v);
     ClassTag tag(scratch.c_str());
     EXPECT_EQ(CClassRegistryFile::GetVersionID(tag), c.version);
     EXPECT_EQ(text(CClassRegistryFile::GetFilePath(tag)), scratch.path(c.version));
@@ -185,16 +185,17 @@ TEST(RegistrationFileTest, ExpandingEntitiesCannotGrowWithoutBound) {
   ScratchClass scratch;
   scratch.write(bytes);
   CZedClassInfo info;
-  EXPECT_QUARN_THROW(CClassRegistryFile::ImportDataFile(ClassTag(scratch.c_str()), info),
-                     "Registration file " + scratch.path() + " of class " + scratch.name() +
-                         " holds more than 65536 bytes of text.");
+  EXPECT_QUARN_THROW(
+      CClassRegistryFile::ImportDataFile(ClassTag(scratch.c_str()), info),
+      "Registration file " + scratch.path() + " of class " + scratch.name() + " holds more than 65536 bytes of text.");
   EXPECT_EQ(text(info.description), "");
 }
 
 TEST(RegistrationFileTest, MissingFileIsNotRegistered) {
   ScratchClass scratch;
   ClassTag tag(scratch.c_str());
-  std::string message = "Component " + scratch.name() + " is not registered.\nFile does not exist: " + scratch.path() + ".";
+  std::string message =
+      "Component " + scratch.name() + " is not registered.\nFile does not exist: " + scratch.path() + ".";
   CZedClassInfo info("kept", "", "");
   EXPECT_FALSE(CClassRegistryFile::TryImportDataFile(tag, info));
   EXPECT_EQ(text(info.progid), "kept");
@@ -217,8 +218,8 @@ TEST(RegistrationFileTest, RemovingTheVersionInUseBringsBackTheOneBefore) {
 
 TEST(RegistrationFileTest, NamesThatCouldLeaveTheFolderAreRefused) {
   std::string const validation = "\nCClassRegistryFile::ValidateClassName: Tessary exception caught";
-  char const *const names[] = {"", "Marlix/test", "..", "../Marlix.escape", "Marlix..escape", "Marlix\\escape",
-                               "/tmp/Marlix.escape"};
+  char const *const names[] = {
+      "", "Marlix/test", "..", "../Marlix.escape", "Marlix..escape", "Marlix\\escape", "/tmp/Marlix.escape"};
   for (char const *name : names) {
     std::string refusal = std::string("Invalid class name '") + name +
                           "': a class name must not be empty or contain '/', '\\' or '..'." + validation;

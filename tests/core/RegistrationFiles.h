@@ -6,6 +6,10 @@
 // and removes its plain and numbered files when it goes.
 #pragma once
 
+#include <gtest/gtest.h>
+#include <quarn/core/CClassRegistryFile.h>
+#include <quarn/core/CZedClassInfo.h>
+#include <quarnCore/BaseString.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -14,11 +18,6 @@
 #include <fstream>
 #include <sstream>
 #include <string>
-
-#include <gtest/gtest.h>
-#include <quarn/core/CClassRegistryFile.h>
-#include <quarn/core/CZedClassInfo.h>
-#include <quarnCore/BaseString.h>
 
 namespace quarn::test {
 
@@ -47,7 +46,8 @@ class ScratchClass {
   /// component serves the name ("Marlix.testlib.any." is served by an Echo).
   explicit ScratchClass(std::string const &prefix = "Marlix.test.", std::string const &suffix = "") {
     ::testing::TestInfo const *info = ::testing::UnitTest::GetInstance()->current_test_info();
-    m_name = prefix + clean(info->test_suite_name()) + "." + clean(info->name()) + "." + std::to_string(getpid()) + suffix;
+    m_name =
+        prefix + clean(info->test_suite_name()) + "." + clean(info->name()) + "." + std::to_string(getpid()) + suffix;
     removeFiles();
   }
   ~ScratchClass() { removeFiles(); }

@@ -1,15 +1,13 @@
 // ToolTest.cpp - the quarn command-line tool: commands, outputs and exit codes
-#include "Tool.h"
-
-#include <quarn/core/DynamicCreation.h>
-
 #include <gtest/gtest.h>
+#include <quarn/core/DynamicCreation.h>
 
 #include <filesystem>
 #include <sstream>
 #include <string>
 #include <vector>
 
+#include "Tool.h"
 #include "core/RegistrationFiles.h"
 
 namespace {
@@ -75,9 +73,13 @@ TEST(ToolTest, ClassesListsEachRegisteredClassOnceWithItsLibrary) {
   ScratchClass plain("Marlix.test.", ".plain"), versioned("Marlix.test.", ".versioned"),
       mislabelled("Marlix.test.", ".mislabelled");
   quarnTool({"register", plain.name(), QUARN_TEST_COMPONENTS});
-  versioned.write("<mxq:class><mxq:progid>" + versioned.name() + "</mxq:progid><mxq:server>/one</mxq:server></mxq:class>", 1);
-  versioned.write("<mxq:class><mxq:progid>" + versioned.name() + "</mxq:progid><mxq:server proxy='1'>/two</mxq:server></mxq:class>", 2);
-  mislabelled.write("<mxq:class><mxq:progid>Marlix.test.SomethingElse</mxq:progid><mxq:server>/x</mxq:server></mxq:class>");
+  versioned.write(
+      "<mxq:class><mxq:progid>" + versioned.name() + "</mxq:progid><mxq:server>/one</mxq:server></mxq:class>", 1);
+  versioned.write(
+      "<mxq:class><mxq:progid>" + versioned.name() + "</mxq:progid><mxq:server proxy='1'>/two</mxq:server></mxq:class>",
+      2);
+  mislabelled.write(
+      "<mxq:class><mxq:progid>Marlix.test.SomethingElse</mxq:progid><mxq:server>/x</mxq:server></mxq:class>");
 
   // Other tests may be writing bad files into the same folder meanwhile, so
   // the exit status and error lines are not this test's to check.
@@ -113,16 +115,25 @@ TEST(ToolTest, FailuresAreOneLineWithTheirExitCode) {
       {{"frobnicate"}, 2, "quarn: unknown command 'frobnicate' (see quarn --help)\n"},
       {{"which"}, 2, "quarn which: expected which CLASS (see quarn which --help)\n"},
       {{"which", "a", "b"}, 2, "quarn which: expected which CLASS (see quarn which --help)\n"},
-      {{"register", name}, 2,
+      {{"register", name},
+       2,
        "quarn register: expected register CLASS LIBRARY [--description TEXT] [--proxy] (see quarn register --help)\n"},
-      {{"register", name, QUARN_TEST_COMPONENTS, "--description"}, 2,
+      {{"register", name, QUARN_TEST_COMPONENTS, "--description"},
+       2,
        "quarn register: --description needs a TEXT (see quarn register --help)\n"},
-      {{"unregister", name, "--proxy"}, 2, "quarn unregister: unknown option '--proxy' (see quarn unregister --help)\n"},
-      {{"register", name, "/nonexistent/libgone.so"}, 1, "quarn register: library not found: /nonexistent/libgone.so\n"},
+      {{"unregister", name, "--proxy"},
+       2,
+       "quarn unregister: unknown option '--proxy' (see quarn unregister --help)\n"},
+      {{"register", name, "/nonexistent/libgone.so"},
+       1,
+       "quarn register: library not found: /nonexistent/libgone.so\n"},
       {{"unregister", name}, 1, "quarn unregister: " + name + " is not registered\n"},
-      {{"which", "../etc/passwd"}, 1,
-       "quarn which: Invalid class name '../etc/passwd': a class name must not be empty or contain '/', '\\' or '..'.\n"},
-      {{"register", "Marlix/x", QUARN_TEST_COMPONENTS}, 1,
+      {{"which", "../etc/passwd"},
+       1,
+       "quarn which: Invalid class name '../etc/passwd': a class name must not be empty or contain '/', '\\' or "
+       "'..'.\n"},
+      {{"register", "Marlix/x", QUARN_TEST_COMPONENTS},
+       1,
        "quarn register: Invalid class name 'Marlix/x': a class name must not be empty or contain '/', '\\' or '..'.\n"},
   };
   for (Case const &c : cases) {

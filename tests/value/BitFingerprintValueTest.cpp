@@ -1,8 +1,7 @@
 // BitFingerprintValueTest.cpp - the bit fingerprint's identity and its equal-or-not order
+#include <gtest/gtest.h>
 #include <quarn/value/BitFingerprintValue.h>
 #include <quarn/value/BitsetValue.h>
-
-#include <gtest/gtest.h>
 
 #include "value/ValueTesting.h"
 

@@ -1,4 +1,5 @@
 // BitsetArrayValueTest.cpp - element operations, splicing, order, hash, bytes and pooling of the bitset arrays
+#include <gtest/gtest.h>
 #include <quarn/value/BitFingerprintArrayValue.h>
 #include <quarn/value/BitFingerprintValue.h>
 #include <quarn/value/BitsetArrayValue.h>
@@ -7,8 +8,6 @@
 #include <quarn/value/IntegerValue.h>
 #include <quarn/value/NullValue.h>
 #include <quarn/value/StringValue.h>
-
-#include <gtest/gtest.h>
 
 #include <climits>
 #include <cstdio>
@@ -124,8 +123,9 @@ TEST(BitsetArrayValueTest, ElementOperationsAreCheckedAndAnnotated) {
   EXPECT_QUARN_THROW_AS(a.getIthValue(2, out), InvalidIndexException, expected("getIthValue"));
   EXPECT_QUARN_THROW_AS(a.setIthValue(2, target), InvalidIndexException, expected("setIthValue"));
   EXPECT_QUARN_THROW_AS(a.remove(2), InvalidIndexException, expected("remove"));
-  EXPECT_QUARN_THROW_AS(a.insertValue(3, target), InvalidIndexException,
-                        "Invalid index 3 (last valid index 1)\nBitsetArrayValue::insertValue: Tessary exception caught");
+  EXPECT_QUARN_THROW_AS(
+      a.insertValue(3, target), InvalidIndexException,
+      "Invalid index 3 (last valid index 1)\nBitsetArrayValue::insertValue: Tessary exception caught");
   EXPECT_QUARN_THROW(a.setIthValue(0, IntegerValue(20000000)),
                      "Cannot convert IntegerValues containing numbers greater than 10,000,000 to a BitsetValue\n"
                      "BitsetArrayValue::setIthValue: Tessary exception caught");

@@ -36,8 +36,12 @@ B bitsetOf(unsigned int n, std::initializer_list<unsigned int> on = {}) {
 /// Bitsets of distinct lengths, from empty to several hundred words.
 template <class B>
 std::vector<B> bitsetSamples() {
-  std::vector<B> s{bitsetOf<B>(0),  bitsetOf<B>(1, {0}),      bitsetOf<B>(5),
-                   bitsetOf<B>(7, {0, 6}), bitsetOf<B>(32, {31}), bitsetOf<B>(33, {0, 32}),
+  std::vector<B> s{bitsetOf<B>(0),
+                   bitsetOf<B>(1, {0}),
+                   bitsetOf<B>(5),
+                   bitsetOf<B>(7, {0, 6}),
+                   bitsetOf<B>(32, {31}),
+                   bitsetOf<B>(33, {0, 32}),
                    bitsetOf<B>(100, {3, 64, 99})};
   B wide = bitsetOf<B>(20000);
   for (unsigned int p = 0; p < 20000; p += 7) wide.setOn(p);

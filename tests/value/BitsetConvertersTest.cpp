@@ -1,4 +1,5 @@
 // BitsetConvertersTest.cpp - conversions into and out of the bitsets: positions, text, bytes, identities, limits
+#include <gtest/gtest.h>
 #include <quarn/value/BitFingerprintArrayValue.h>
 #include <quarn/value/BitFingerprintValue.h>
 #include <quarn/value/BitsetArrayValue.h>
@@ -14,8 +15,6 @@
 #include <quarn/value/MissingValue.h>
 #include <quarn/value/NullValue.h>
 #include <quarn/value/StringValue.h>
-
-#include <gtest/gtest.h>
 
 #include <climits>
 #include <vector>
@@ -52,7 +51,7 @@ TEST(BitsetConvertersTest, IntegerFingerprintSetsItsOneBasedPositionsGrowingOnly
       {{0, -4}, bits(8, {1, 7}), 8, {}},
       {{3, 5}, bits(20, {0}), 20, {2, 4}},
       {{5, 1, 5}, bits(0), 5, {0, 4}},
-      {{5}, bits(5, {0}), 5, {4}},                          // n equal to the largest: resize(5) changes nothing
+      {{5}, bits(5, {0}), 5, {4}},                         // n equal to the largest: resize(5) changes nothing
       {{15000000}, bits(20000000), 20000000, {14999999}},  // long enough: the limit does not apply
       {{}, bits(3, {1}), 3, {}},
   };
@@ -161,8 +160,9 @@ TEST(BitsetConvertersTest, ArraysGiveTheirFirstElementAndBitsetsBecomeOneElement
   arr.assignTo(f);
   EXPECT_EQ(static_cast<BitsetValue const &>(f), bits(3, {1}));
   BitsetValue b = bits(2, {1});
-  EXPECT_QUARN_THROW_AS(BitsetArrayValue().assignTo(b), InvalidIndexException,
-                        "Invalid index 0 (last valid index -1)\nBitsetArrayValue::getIthValue: Tessary exception caught");
+  EXPECT_QUARN_THROW_AS(
+      BitsetArrayValue().assignTo(b), InvalidIndexException,
+      "Invalid index 0 (last valid index -1)\nBitsetArrayValue::getIthValue: Tessary exception caught");
   EXPECT_EQ(b, bits(2, {1}));
 
   BitFingerprintArrayValue fingerprints;

@@ -3,8 +3,6 @@
 // The bitsets use only the widest kernel the machine offers, so the narrower
 // ones are compiled into this test from the library's source and held
 // against std::popcount here, on every run length and alignment.
-#include "../../quarn/src/value/BitCount.cpp"  // NOLINT(bugprone-suspicious-include): the kernels are private
-
 #include <gtest/gtest.h>
 
 #include <bit>
@@ -12,6 +10,8 @@
 #include <cstdio>
 #include <random>
 #include <vector>
+
+#include "../../quarn/src/value/BitCount.cpp"  // NOLINT(bugprone-suspicious-include): the kernels are private
 
 namespace quarn::test {
 namespace {

@@ -1,8 +1,7 @@
 // BitsetValue2DTest.cpp - the grid view of a bitset: cell indices, resize keeping coordinates, copies
+#include <gtest/gtest.h>
 #include <quarn/value/BitsetValue.h>
 #include <quarn/value/BitsetValue2D.h>
-
-#include <gtest/gtest.h>
 
 #include <vector>
 
@@ -47,8 +46,7 @@ TEST(BitsetValue2DTest, ResizeKeepsTheCellsBothGridsShare) {
       {3, 2, {2}},        // (1, 0) moves to bit 2; (0, 2) and (1, 2) fall outside
       {2, 3, {2, 3, 5}},  // unchanged
       {4, 4, {2, 4, 6}},  // (0, 2) -> 2, (1, 0) -> 4, (1, 2) -> 6
-      {1, 3, {2}},
-      {0, 0, {}},
+      {1, 3, {2}},       {0, 0, {}},
   };
   for (auto const &c : cases) {
     BitsetValue2D g = grid(2, 3, {{0, 2}, {1, 0}, {1, 2}});

@@ -1,7 +1,6 @@
 // BitsetValue3DTest.cpp - the block view of a bitset: cell indices, resize keeping linear positions, no pool
-#include <quarn/value/BitsetValue3D.h>
-
 #include <gtest/gtest.h>
+#include <quarn/value/BitsetValue3D.h>
 
 #include "support/ExpectThrow.h"
 #include "value/ValueTesting.h"
@@ -12,7 +11,7 @@ namespace {
 TEST(BitsetValue3DTest, ResizeKeepsLinearPositionsNotCoordinates) {
   BitsetValue3D b;
   b.resize(2, 2, 2);
-  b.setOn(1, 1, 1);  // bit 1 * 4 + 1 * 2 + 1 = 7
+  b.setOn(1, 1, 1);         // bit 1 * 4 + 1 * 2 + 1 = 7
   b.getAt(0, 1, 0) = true;  // bit 2
   EXPECT_TRUE(b[7]);
   b.resize(2, 2, 3);  // plane 6: bit 7 is now (1, 0, 1), bit 2 is (0, 0, 2)

@@ -1,8 +1,7 @@
 // BitsetValueTest.cpp - word layout, bit and set operations, text forms, order, bytes and pooling of the bitset
+#include <gtest/gtest.h>
 #include <quarn/value/BitsetValue.h>
 #include <quarn/value/IntegerValue.h>
-
-#include <gtest/gtest.h>
 
 #include <climits>
 #include <cstdlib>
@@ -88,7 +87,7 @@ TEST(BitsetValueTest, BitAccessChecksTheWordIndexNotTheBitCount) {
     int wordIndex, lastValid;  // expected exception; wordIndex -1: none
   } const cases[] = {
       {33, 32, -1, 0}, {33, 63, -1, 0},  // inside the last word: passes (reads the surplus bit)
-      {33, 64, 2, 1},  {0, 0, 0, -1},    {32, 32, 1, 0}, {1, 0xFFFFFFFFu, 0x7FFFFFF, 0},
+      {33, 64, 2, 1},  {0, 0, 0, -1},   {32, 32, 1, 0}, {1, 0xFFFFFFFFu, 0x7FFFFFF, 0},
   };
   for (auto const &c : cases) {
     BitsetValue b(c.n);
@@ -136,8 +135,7 @@ TEST(BitsetValueTest, WholeSetOperationsKeepTheSurplusBitsOff) {
     bool left;
     Positions after;
   } const cases[] = {
-      {{0, 31}, true, {1, 32}}, {{32}, true, {}},     {{0, 32}, false, {31}},
-      {{1, 31}, false, {0, 30}}, {{}, true, {}},
+      {{0, 31}, true, {1, 32}}, {{32}, true, {}}, {{0, 32}, false, {31}}, {{1, 31}, false, {0, 30}}, {{}, true, {}},
   };
   for (auto const &c : cases) {
     BitsetValue s = bits(33, c.before);
@@ -243,7 +241,7 @@ TEST(BitsetValueTest, CountsAgreeWithCountingBitByBit) {
 TEST(BitsetValueTest, IterationScansUpAndDownAcrossWords) {
   BitsetValue const b = bits(70, {0, 31, 32, 69});
   std::vector<int> up, down;
-  for (int pos = -5; b.getNext(pos);) up.push_back(pos);  // -5 behaves as -1
+  for (int pos = -5; b.getNext(pos);) up.push_back(pos);          // -5 behaves as -1
   for (int pos = 1000; b.getPrevious(pos);) down.push_back(pos);  // above n behaves as n
   EXPECT_EQ(up, (std::vector<int>{0, 31, 32, 69}));
   EXPECT_EQ(down, (std::vector<int>{69, 32, 31, 0}));
@@ -291,14 +289,9 @@ TEST(BitsetValueTest, XmlTextWithASpaceIsABitCountThenPositions) {
   } const cases[] = {
       {u"3 7", 7, {6}},  // the positions outgrow the count
       {u"7", 7, {6}},    // no space: positions only
-      {u"3 7 2", 7, {1, 6}},
-      {u"10 1 3 5", 10, {0, 2, 4}},
-      {u"0", 0, {}},
-      {u"5 ", 5, {}},
-      {u"", 0, {}},
+      {u"3 7 2", 7, {1, 6}}, {u"10 1 3 5", 10, {0, 2, 4}},  {u"0", 0, {}}, {u"5 ", 5, {}}, {u"", 0, {}},
       {u"x 2", 2, {1}},  // an unreadable count is 0
-      {u"-4 2", 2, {1}},
-      {u"40 1,2, 3", 40, {0, 1, 2}},
+      {u"-4 2", 2, {1}},     {u"40 1,2, 3", 40, {0, 1, 2}},
   };
   for (auto const &c : cases) {
     BitsetValue b;
@@ -314,9 +307,8 @@ TEST(BitsetValueTest, SetFromStringNeverFailsAndNeverShrinks) {
     unsigned int n;
     Positions on;
   } const cases[] = {
-      {u"", 4, {}},          {u"2 x 3", 4, {1}},      {u"1, 3,5", 5, {0, 2, 4}}, {u"-1 0 2", 4, {1}},
-      {u"abc", 4, {}},       {u"  9", 9, {8}},        {u"1.5 3", 4, {0}},        {u",,2,", 4, {1}},
-      {u"2\t\n4", 4, {1, 3}}, {u"+3", 4, {2}},
+      {u"", 4, {}},     {u"2 x 3", 4, {1}}, {u"1, 3,5", 5, {0, 2, 4}}, {u"-1 0 2", 4, {1}},    {u"abc", 4, {}},
+      {u"  9", 9, {8}}, {u"1.5 3", 4, {0}}, {u",,2,", 4, {1}},         {u"2\t\n4", 4, {1, 3}}, {u"+3", 4, {2}},
   };
   for (auto const &c : cases) {
     BitsetValue b = bits(4, {0});
@@ -389,11 +381,8 @@ TEST(BitsetValueTest, MoreBitsOrderFirstAndEqualLengthsNeverGiveMinusOne) {
     BitsetValue a, b;
     int ab, ba;
   } const cases[] = {
-      {bits(16), bits(8), -1, 1},
-      {bits(8, {1}), bits(8, {2}), 1, 1},
-      {bits(8, {1}), bits(8, {1}), 0, 0},
-      {bits(0), bits(0), 0, 0},
-      {bits(33, {32}), bits(32, {0}), -1, 1},
+      {bits(16), bits(8), -1, 1}, {bits(8, {1}), bits(8, {2}), 1, 1},     {bits(8, {1}), bits(8, {1}), 0, 0},
+      {bits(0), bits(0), 0, 0},   {bits(33, {32}), bits(32, {0}), -1, 1},
   };
   for (auto const &c : cases) {
     EXPECT_EQ(c.a.compare(c.b), c.ab);
@@ -455,12 +444,12 @@ TEST(BitsetValueTest, PayloadWhoseWordCountDisagreesWithTheBitCountIsRepaired) {
     unsigned int n;
     std::vector<unsigned int> words;
   } const cases[] = {
-      {"01 40 04 14", 32, {5}},             // 64 bits, one word
-      {"20 0C 04 08 0C", 8, {1}},           // 8 bits, three words
-      {"14 04 02 FF 00", 5, {0x1F}},        // surplus bits of the word cleared
-      {"FC 04 1C", 32, {7}},                // n = -1: 4294967295 bits, one word
-      {"01 40 00", 0, {}},                  // 64 bits, no words
-      {"00 08 04 04", 0, {}},               // 0 bits, two words
+      {"01 40 04 14", 32, {5}},       // 64 bits, one word
+      {"20 0C 04 08 0C", 8, {1}},     // 8 bits, three words
+      {"14 04 02 FF 00", 5, {0x1F}},  // surplus bits of the word cleared
+      {"FC 04 1C", 32, {7}},          // n = -1: 4294967295 bits, one word
+      {"01 40 00", 0, {}},            // 64 bits, no words
+      {"00 08 04 04", 0, {}},         // 0 bits, two words
   };
   for (auto const &c : cases) {
     BitsetValue b = readFrom(bytesOf(c.hex));

@@ -11,17 +11,6 @@
 namespace quarn::test {
 namespace {
 
-TEST(BooleanArrayValueTest, ElementsConvertAsBooleans) {
-  BooleanArrayValue const a = arrayOf<BooleanArrayValue>({true, false});
-  WString s;
-  a.getIthString(1, s);
-  EXPECT_EQ(str(s), u"false");
-  EXPECT_EQ(a.getIthInteger(0), 1);
-  EXPECT_EQ(a.getIthDouble(0), 1.0);
-  EXPECT_EQ(a.getIthDouble(1), 0.0);
-  EXPECT_EQ(a.find(false), 1u);
-}
-
 TEST(BooleanArrayValueTest, FalseOrdersBeforeTrue) {
   EXPECT_EQ(arrayOf<BooleanArrayValue>({false, true}).compare(arrayOf<BooleanArrayValue>({true, false})), -1);
   EXPECT_EQ(arrayOf<BooleanArrayValue>({true}).compare(arrayOf<BooleanArrayValue>({false})), 1);

@@ -17,8 +17,8 @@
 
 #include <climits>
 #include <cmath>
-#include <limits>
 #include <initializer_list>
+#include <limits>
 #include <type_traits>
 #include <vector>
 
@@ -70,8 +70,8 @@ std::vector<Row> kindRows() {
        "08 02 7F FF"},
       {FlexValue(static_cast<unsigned short>(65535)), Code::UnsignedIntType, 65535, 65535.0, true, u"65535", 65535,
        u"intType", u"xsd:unsignedInt", "0C 03 FF FF 00 00"},
-      {FlexValue(4294967295u), Code::UnsignedIntType, -1, 4294967295.0, true, u"4294967295", 0xFFFFFFFFu,
-       u"intType", u"xsd:unsignedInt", "0C FC"},
+      {FlexValue(4294967295u), Code::UnsignedIntType, -1, 4294967295.0, true, u"4294967295", 0xFFFFFFFFu, u"intType",
+       u"xsd:unsignedInt", "0C FC"},
       {FlexValue(0UL), Code::UnsignedIntType, 0, 0.0, false, u"0", 0, u"intType", u"xsd:unsignedInt", "0C 00"},
       {FlexValue(1.0), Code::DoubleType, 1, 1.0, true, u"1", 7503, u"doubleType", u"xsd:double", "10 01"},
       {FlexValue(-2.5), Code::DoubleType, -2, -2.5, true, u"-2.5", 316, u"doubleType", u"xsd:double",
@@ -107,11 +107,11 @@ TEST(FlexValueTest, EachKindStoresItsCodeAndCoercesHashesNamesAndWritesItself) {
 
 TEST(FlexValueTest, GoldenPayloadsReadBackToTheSameKindAndEveryCutFailsKeepingTheValue) {
   for (Row const &r : kindRows()) {
-    readEach<FlexValue>(bytesOf(r.payload), 2, [&](FlexValue const &read) {
+    readEach<FlexValue>(golden(r.payload), 2, [&](FlexValue const &read) {
       EXPECT_EQ(read.getStorageType(), r.code) << r.payload;
       EXPECT_EQ(read.compare(r.value), 0) << r.payload;
     });
-    expectEveryCutFails(bytesOf(r.payload), FlexValue(u16(u"kept")));
+    expectEveryCutFails(golden(r.payload), FlexValue(u16(u"kept")));
   }
 }
 
@@ -151,7 +151,7 @@ TEST(FlexValueTest, UnknownCodesAndBadNarrowLengthsFailClearlyAndKeepTheValue) {
   };
   for (auto const &c : cases) {
     FlexValue v(7);
-    ChunkedInputStream in(bytesOf(c.bytes), 2);
+    ChunkedInputStream in(golden(c.bytes), 2);
     EXPECT_QUARN_THROW(v.deserialize(in), c.message);
     EXPECT_EQ(v.getStorageType(), Code::IntType);
     EXPECT_EQ(v.getInteger(), 7);
@@ -348,6 +348,7 @@ TEST(FlexValueTest, XmlTextIsReadByItsExactType) {
   } const cases[] = {
       {u"42", u"xsd:integer", Code::IntType, u"42"},
       {u"-1", u"xsd:unsignedInt", Code::UnsignedIntType, u"4294967295"},
+      {u" 4294967295 ", u"xsd:unsignedInt", Code::UnsignedIntType, u"4294967295"},
       {u"2.5", u"xsd:double", Code::DoubleType, u"2.5"},
       {u"0.1", u"xsd:float", Code::FloatType, u"0.10000000149011612"},
       {u"true", u"xsd:boolean", Code::BoolType, u"true"},
@@ -368,6 +369,8 @@ TEST(FlexValueTest, XmlTextIsReadByItsExactType) {
   }
   FlexValue v(3);
   EXPECT_QUARN_THROW(v.setFromXMLText(u16(u"abc"), u16(u"xsd:integer")), "Cannot convert 'abc' to an integer");
+  EXPECT_QUARN_THROW(v.setFromXMLText(u16(u"4294967296"), u16(u"xsd:unsignedInt")),
+                     "Integer out of range: '4294967296'");
   EXPECT_EQ(v.getInteger(), 3);
   FlexValue narrow("\xC3\xA9");
   v.setFromXMLText(u16(u"\u00E9"), u16(u"b:cstring"));

@@ -1,6 +1,6 @@
 // GoldenBytes.h - golden payloads for the value tests: hex text, reading back, every truncation
 //
-// bytesOf("04 1C") and hexOf(bytes) keep byte tables readable; readEach reads
+// golden("04 1C") and hexOf(bytes) keep byte tables readable; readEach reads
 // a payload back through every chunk size of kChunkSizes and checks that all
 // of it was consumed; expectEveryCutFails reads every proper prefix of a
 // payload and checks that each fails with a quarn::Exception and leaves the
@@ -20,7 +20,7 @@
 namespace quarn::test {
 
 /// "08 C3 A9" -> {0x08, 0xC3, 0xA9}; blanks between bytes are optional.
-inline Bytes bytesOf(char const *hex) {
+inline Bytes golden(char const *hex) {
   Bytes out;
   for (char const *p = hex; *p;) {
     if (*p == ' ') {

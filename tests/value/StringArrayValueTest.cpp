@@ -92,22 +92,6 @@ TEST(StringArrayValueTest, HashXorsEachTextsLowBytePolynomial) {
   EXPECT_EQ(textsOf({u"\u4142"}).hash(), textsOf({u"B"}).hash());
 }
 
-TEST(StringArrayValueTest, AddWidensNarrowTextAndAssignmentCopies) {
-  StringArrayValue a;
-  a.add("\xE9t\xE9");
-  a.add(static_cast<char const *>(nullptr));
-  a.add(u16(u"w").getBuffer());
-  EXPECT_EQ(str(a[0]), u"\u00E9t\u00E9");
-  EXPECT_TRUE(a[1].isNull());
-  StringArrayValue b;
-  b = a;
-  EXPECT_EQ(b.compare(a), 0);
-  Array<WString> one;
-  one.append(u16(u"z"));
-  b = one;
-  EXPECT_EQ(b.compare(textsOf({u"z"})), 0);
-}
-
 TEST(StringArrayValueTest, APooledArrayLetsGoOfItsStrings) {
   StringArrayValue a = textsOf({u"small", nullptr});
   a.add(std::string(3000, 'x').c_str());

@@ -1,6 +1,11 @@
 // Tool.cpp - the commands of the quarn command-line tool
 #include "Tool.h"
 
+#include <quarn/core/CClassRegistryFile.h>
+#include <quarn/core/CZedLibraryUtils.h>
+#include <quarn/core/ClassTag.h>
+#include <quarnCore/Exception.h>
+
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
@@ -8,11 +13,6 @@
 #include <ostream>
 #include <string>
 #include <vector>
-
-#include <quarn/core/CClassRegistryFile.h>
-#include <quarn/core/CZedLibraryUtils.h>
-#include <quarn/core/ClassTag.h>
-#include <quarnCore/Exception.h>
 
 namespace quarn::tool {
 
@@ -102,7 +102,8 @@ std::vector<std::string> candidateNames(std::string const &fileName) {
   std::vector<std::string> names{base};
   std::size_t dot = base.rfind('.');
   if (dot != std::string::npos && dot > 0 && dot + 1 < base.size() &&
-      std::all_of(base.begin() + static_cast<std::ptrdiff_t>(dot) + 1, base.end(), [](char c) { return c >= '0' && c <= '9'; }))
+      std::all_of(base.begin() + static_cast<std::ptrdiff_t>(dot) + 1, base.end(),
+                  [](char c) { return c >= '0' && c <= '9'; }))
     names.push_back(base.substr(0, dot));
   return names;
 }
@@ -187,8 +188,7 @@ std::string parse(Command const &command, int argc, char **argv, Arguments &args
       return "unknown option '" + arg + "'";
     }
   }
-  if (!args.help && args.positional.size() != command.positionals)
-    return std::string("expected ") + command.synopsis;
+  if (!args.help && args.positional.size() != command.positionals) return std::string("expected ") + command.synopsis;
   return {};
 }
 
@@ -204,8 +204,8 @@ int run(int argc, char **argv, std::ostream &out, std::ostream &err) {
     printUsage(out);
     return kOk;
   }
-  auto command = std::find_if(std::begin(kCommands), std::end(kCommands),
-                              [&](Command const &c) { return name == c.name; });
+  auto command =
+      std::find_if(std::begin(kCommands), std::end(kCommands), [&](Command const &c) { return name == c.name; });
   if (command == std::end(kCommands)) {
     err << "quarn: unknown command '" << name << "' (see quarn --help)\n";
     return kUsage;

@@ -1,9 +1,11 @@
 // CClassRegistryFile.cpp - locating, writing, reading and removing registration files
-#include <quarn/core/CClassRegistryFile.h>
-
 #include <dlfcn.h>
 #include <expat.h>
 #include <fcntl.h>
+#include <quarn/core/Annotate.h>
+#include <quarn/core/CClassRegistryFile.h>
+#include <quarnCore/Exception.h>
+#include <quarnCore/Unicode.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -12,10 +14,6 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
-
-#include <quarn/core/Annotate.h>
-#include <quarnCore/Exception.h>
-#include <quarnCore/Unicode.h>
 
 namespace quarn {
 
@@ -62,8 +60,7 @@ BaseString<char> basePath(ClassTag const &tag) {
 }
 
 [[noreturn]] void throwNotRegistered(ClassTag const &tag, BaseString<char> const &path) {
-  throw Exception("Component %hs is not registered.\nFile does not exist: %ls.", tag.getName(),
-                  wide(path).getBuffer());
+  throw Exception("Component %hs is not registered.\nFile does not exist: %ls.", tag.getName(), wide(path).getBuffer());
 }
 
 // ---- writing
@@ -83,11 +80,20 @@ void appendEscaped(BaseString<char> &out, BaseString<char> const &text) {
   for (unsigned int i = 0; i < text.getLength(); ++i) {
     char c = text.getBuffer()[i];
     switch (c) {
-      case '&': out.append("&amp;", 5); break;
-      case '<': out.append("&lt;", 4); break;
-      case '>': out.append("&gt;", 4); break;
-      case '\r': out.append("&#xD;", 5); break;  // a raw CR would read back as LF
-      default: out.append(c);
+      case '&':
+        out.append("&amp;", 5);
+        break;
+      case '<':
+        out.append("&lt;", 4);
+        break;
+      case '>':
+        out.append("&gt;", 4);
+        break;
+      case '\r':
+        out.append("&#xD;", 5);
+        break;  // a raw CR would read back as LF
+      default:
+        out.append(c);
     }
   }
 }
@@ -178,10 +184,17 @@ void XMLCALL onText(void *data, XML_Char const *text, int length) {
 void XMLCALL onEnd(void *data, XML_Char const *name) {
   auto &r = *static_cast<Reader *>(data);
   switch (r.state) {
-    case kClass | kProgid: r.info.progid = r.text; break;
-    case kClass | kServer: r.info.server = r.text; break;
-    case kClass | kDescription: r.info.description = r.text; break;
-    default: break;
+    case kClass | kProgid:
+      r.info.progid = r.text;
+      break;
+    case kClass | kServer:
+      r.info.server = r.text;
+      break;
+    case kClass | kDescription:
+      r.info.description = r.text;
+      break;
+    default:
+      break;
   }
   r.state &= ~flagOf(name);
   r.text.empty();
@@ -192,8 +205,8 @@ struct ParserDeleter {
 };
 
 [[noreturn]] void throwTooLarge(ClassTag const &tag, BaseString<char> const &path) {
-  throw Exception("Registration file %ls of class %hs is larger than %u bytes.", wide(path).getBuffer(),
-                  tag.getName(), CClassRegistryFile::kMaxFileSize);
+  throw Exception("Registration file %ls of class %hs is larger than %u bytes.", wide(path).getBuffer(), tag.getName(),
+                  CClassRegistryFile::kMaxFileSize);
 }
 
 void parse(ClassTag const &tag, BaseString<char> const &path, char const *data, unsigned int size,
@@ -226,15 +239,15 @@ bool readDataFile(ClassTag const &tag, BaseString<char> const &path, CZedClassIn
   std::unique_ptr<std::FILE, FileCloser> file(std::fopen(path.getBuffer(), "rb"));
   if (!file) {
     if (errno == ENOENT) return false;
-    throw Exception("Failed to read registration file %ls of class %hs: %hs.", wide(path).getBuffer(),
-                    tag.getName(), std::strerror(errno));
+    throw Exception("Failed to read registration file %ls of class %hs: %hs.", wide(path).getBuffer(), tag.getName(),
+                    std::strerror(errno));
   }
   // One byte more than allowed tells a file at the limit from a larger one.
   std::unique_ptr<char[]> buffer(new char[CClassRegistryFile::kMaxFileSize + 1]);
   std::size_t size = std::fread(buffer.get(), 1, CClassRegistryFile::kMaxFileSize + 1, file.get());
   if (std::ferror(file.get()))
-    throw Exception("Failed to read registration file %ls of class %hs: %hs.", wide(path).getBuffer(),
-                    tag.getName(), std::strerror(errno));
+    throw Exception("Failed to read registration file %ls of class %hs: %hs.", wide(path).getBuffer(), tag.getName(),
+                    std::strerror(errno));
   if (size > CClassRegistryFile::kMaxFileSize) throwTooLarge(tag, path);
   parse(tag, path, buffer.get(), static_cast<unsigned int>(size), info);
   return true;
@@ -249,8 +262,8 @@ BaseString<char> CClassRegistryFile::GetClassesDirectory() {
     throw Exception("Failed to get module file name for registration file");
   char const *file = where.dli_fname;
   char const *slash = std::strrchr(file, '/');
-  BaseString<char> directory = slash ? BaseString<char>(file, static_cast<unsigned int>(slash - file))
-                                     : BaseString<char>(".");
+  BaseString<char> directory =
+      slash ? BaseString<char>(file, static_cast<unsigned int>(slash - file)) : BaseString<char>(".");
   return withSuffix(std::move(directory), "/classes");
 }
 

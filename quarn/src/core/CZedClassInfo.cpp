@@ -27,8 +27,7 @@ bool CZedClassInfo::operator<(CZedClassInfo const &other) const noexcept {
 }
 
 bool CZedClassInfo::operator==(CZedClassInfo const &other) const noexcept {
-  return progid == other.progid && description == other.description && server == other.server &&
-         proxy == other.proxy;
+  return progid == other.progid && description == other.description && server == other.server && proxy == other.proxy;
 }
 
 }  // namespace quarn

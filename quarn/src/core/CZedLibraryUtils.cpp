@@ -1,7 +1,10 @@
 // CZedLibraryUtils.cpp - registration of a library's classes and the factory map
-#include <quarn/core/CZedLibraryUtils.h>
-
 #include <dlfcn.h>
+#include <quarn/core/Annotate.h>
+#include <quarn/core/CClassRegistryFile.h>
+#include <quarn/core/CZedLibraryUtils.h>
+#include <quarn/core/ClassTag.h>
+#include <quarnCore/Exception.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -12,11 +15,6 @@
 #include <mutex>
 #include <unordered_map>
 #include <vector>
-
-#include <quarn/core/Annotate.h>
-#include <quarn/core/CClassRegistryFile.h>
-#include <quarn/core/ClassTag.h>
-#include <quarnCore/Exception.h>
 
 namespace quarn {
 

@@ -4,19 +4,17 @@
 // the instances they made run their code. Their handles are kept in one
 // process-wide table (path -> handle), so that a library is opened once
 // however often its classes are created.
-#include <quarn/core/DynamicCreation.h>
-
 #include <dlfcn.h>
+#include <quarn/core/Annotate.h>
+#include <quarn/core/CClassRegistryFile.h>
+#include <quarn/core/DynamicCreation.h>
+#include <quarn/core/DynamicObject.h>
+#include <quarnCore/Exception.h>
+#include <quarnCore/Unicode.h>
 
 #include <mutex>
 #include <string>
 #include <unordered_map>
-
-#include <quarn/core/Annotate.h>
-#include <quarn/core/CClassRegistryFile.h>
-#include <quarn/core/DynamicObject.h>
-#include <quarnCore/Exception.h>
-#include <quarnCore/Unicode.h>
 
 namespace quarn {
 
@@ -88,7 +86,8 @@ DynamicObject *createInstance(ClassTag const &tag) {
 }
 
 DynamicObject *createInstance(char const *className) {
-  return detail::annotated(nullptr, "quarn::createInstance(char*)", [&] { return createInstance(ClassTag(className)); });
+  return detail::annotated(nullptr, "quarn::createInstance(char*)",
+                           [&] { return createInstance(ClassTag(className)); });
 }
 
 bool isClassNameRegistered(char const *className) {

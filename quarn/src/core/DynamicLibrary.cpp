@@ -1,8 +1,6 @@
 // DynamicLibrary.cpp - dlopen, dlsym and dlclose with their error texts kept
-#include <quarn/core/DynamicLibrary.h>
-
 #include <dlfcn.h>
-
+#include <quarn/core/DynamicLibrary.h>
 #include <quarnCore/Unicode.h>
 
 namespace quarn {

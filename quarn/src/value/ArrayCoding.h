@@ -4,13 +4,13 @@
 // come back with the same messages as `in >> element`; only the number of
 // calls differs. When the stream is one of our memory streams the coders work
 // on its buffer directly: encoding a chunk of elements per reservation, and
-// decoding after one pass that checks the whole run is there.
+// decoding with one bounds check per element.
 //
 // A count read from a stream is never trusted. Nothing is allocated for it up
-// front: from a memory stream the elements are decoded only once the bytes
-// for all of them have been seen (so storage is bounded by the data), from
-// any other stream storage grows as elements actually arrive (at most 4096
-// reserved ahead). A run that ends early throws the EOF message of the
+// front: from a memory stream storage is taken only for a count the bytes
+// there can hold (every element takes at least one byte), from any other
+// stream storage grows as elements actually arrive (at most 4096 reserved
+// ahead). A run that ends early throws the EOF message of the
 // primitive that ran short, after consuming every byte there was, and leaves
 // the caller's array as it was.
 #pragma once
@@ -102,44 +102,44 @@ void readElements(iByteInputStream &in, Array<typename Codec::Type> &out, unsign
   unsigned char const *const begin = memory->getCursor();
   unsigned int const left = memory->getRemaining();
   unsigned char const *const end = begin + left;
-  unsigned char const *stop;
+  // Every element takes at least one byte, so from here on storage is
+  // bounded by the data; a run that ends early reports where it ends.
+  auto runShort = [&](unsigned char const *q) {
+    memory->skip(left);
+    failArrayRead(q == end ? Codec::kHeaderEof : Codec::bodyEof(*q));
+  };
   if constexpr (Codec::kMax == 1) {
-    if (left < count) {
-      memory->skip(left);
-      failArrayRead(Codec::kHeaderEof);
+    if (left < count) runShort(end);
+    out.resize(count);
+    if constexpr (std::is_same_v<T, unsigned char>) {
+      std::memcpy(out.getBuffer(), begin, count);
+    } else {
+      for (unsigned int i = 0; i < count; ++i) out.getBuffer()[i] = Codec::decode(begin + i);
     }
-    stop = begin + count;
-  } else {
-    // First make sure every element is there, then decode without checks.
-    stop = begin;
-    for (unsigned int i = 0; i < count; ++i) {
-      if (stop == end) {
-        memory->skip(left);
-        failArrayRead(Codec::kHeaderEof);
-      }
-      unsigned int size = Codec::size(*stop);
-      if (size > static_cast<unsigned int>(end - stop)) {
-        unsigned char header = *stop;
-        memory->skip(left);
-        failArrayRead(Codec::bodyEof(header));
-      }
-      stop += size;
-    }
-  }
-  out.resize(count);  // bounded by the bytes just checked
-  T *dst = out.getBuffer();
-  if constexpr (std::is_same_v<T, unsigned char>) {
-    std::memcpy(dst, begin, count);
-  } else if constexpr (Codec::kMax == 1) {
-    for (unsigned int i = 0; i < count; ++i) dst[i] = Codec::decode(begin + i);
+    memory->skip(count);
   } else {
     unsigned char const *q = begin;
-    for (unsigned int i = 0; i < count; ++i) {
-      dst[i] = Codec::decode(q);
-      q += Codec::size(*q);
+    if (left < count) {  // cannot hold them all: find where it runs short
+      for (unsigned int i = 0; i < count; ++i) {
+        if (q == end || Codec::size(*q) > static_cast<unsigned int>(end - q)) runShort(q);
+        q += Codec::size(*q);
+      }
     }
+    Array<T> result;  // decoded aside, so a failure leaves `out` as it was
+    result.resize(count);
+    T *dst = result.getBuffer();
+    for (unsigned int i = 0; i < count; ++i) {
+      if (q == end) [[unlikely]]
+        runShort(q);
+      unsigned int size = Codec::size(*q);
+      if (size > static_cast<unsigned int>(end - q)) [[unlikely]]
+        runShort(q);
+      dst[i] = Codec::decode(q);
+      q += size;
+    }
+    memory->skip(static_cast<unsigned int>(q - begin));
+    out.swap(result);
   }
-  memory->skip(static_cast<unsigned int>(stop - begin));
 }
 
 }  // namespace quarn::detail

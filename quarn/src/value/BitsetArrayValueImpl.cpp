@@ -3,16 +3,15 @@
 // Elements are converted into a temporary first and only then stored, so a
 // conversion that fails leaves the array as it was, and a value that is
 // itself an element of this array can be appended or stored safely.
-#include <quarn/value/BitsetArrayValueImpl.h>
-
-#include <algorithm>
-#include <utility>
-
 #include <quarn/core/Annotate.h>
 #include <quarn/value/BitFingerprintArrayValue.h>
 #include <quarn/value/BitsetArrayValue.h>
+#include <quarn/value/BitsetArrayValueImpl.h>
 #include <quarn/value/ByteStream.h>
 #include <quarn/value/ValueGlue.h>
+
+#include <algorithm>
+#include <utility>
 
 #include "ArrayCoding.h"
 

@@ -17,12 +17,6 @@
 // Into a bitset array: from a bitset or a text, one element (so an array's
 // XML text, its element 0's positions, reads back); between the two arrays,
 // element by element.
-#include <algorithm>
-#include <climits>
-#include <concepts>
-#include <type_traits>
-#include <utility>
-
 #include <quarn/value/BitFingerprintArrayValue.h>
 #include <quarn/value/BitFingerprintValue.h>
 #include <quarn/value/BitsetArrayValue.h>
@@ -40,6 +34,12 @@
 #include <quarn/value/StringValue.h>
 #include <quarn/value/TypedValueTypeConverter.h>
 #include <quarnCore/Exception.h>
+
+#include <algorithm>
+#include <climits>
+#include <concepts>
+#include <type_traits>
+#include <utility>
 
 namespace quarn {
 
@@ -154,7 +154,7 @@ void convertBits(From const &from, BooleanValue &to) {
 }
 
 template <class From, BitsetArray To>
-  requires Bitset<From> || std::same_as<From, StringValue>
+requires Bitset<From> || std::same_as<From, StringValue>
 void convertBits(From const &from, To &to) {
   Array<typename To::ElementType> elements;
   elements.resize(1);
@@ -178,11 +178,11 @@ struct BitsetConverter final : TypedValueTypeConverter<From, To> {
 using BitsetClasses = TypeList<BitsetValue, BitsetValue2D, BitsetValue3D, BitFingerprintValue>;
 using BitsetTargets = TypeList<BitsetValue, BitFingerprintValue>;
 
-ConverterGrid<BitsetConverter,
-              TypeList<IntegerFingerprintValue, IntegerArrayValue, IntegerValue, StringValue, ByteArrayValue,
-                       BitsetValue2D, BitsetValue3D, BitsetArrayValue, BitFingerprintArrayValue, NullValue,
-                       MissingValue>,
-              BitsetTargets>
+ConverterGrid<
+    BitsetConverter,
+    TypeList<IntegerFingerprintValue, IntegerArrayValue, IntegerValue, StringValue, ByteArrayValue, BitsetValue2D,
+             BitsetValue3D, BitsetArrayValue, BitFingerprintArrayValue, NullValue, MissingValue>,
+    BitsetTargets>
     intoBitsets;
 BitsetConverter<BitsetValue, BitFingerprintValue> bitsetToFingerprint;
 BitsetConverter<BitFingerprintValue, BitsetValue> fingerprintToBitset;

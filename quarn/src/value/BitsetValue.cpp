@@ -2,7 +2,11 @@
 //
 // Every loop here is bounded by the word array's own size, never by n alone,
 // so even a bitset whose caller wrote into the surplus bits stays in bounds.
+#include <quarn/core/Annotate.h>
 #include <quarn/value/BitsetValue.h>
+#include <quarn/value/ByteStream.h>
+#include <quarnCore/TextUtil.h>
+#include <quarnCore/Throw.h>
 
 #include <algorithm>
 #include <bit>
@@ -10,11 +14,6 @@
 #include <climits>
 #include <cstring>
 #include <utility>
-
-#include <quarn/core/Annotate.h>
-#include <quarn/value/ByteStream.h>
-#include <quarnCore/TextUtil.h>
-#include <quarnCore/Throw.h>
 
 #include "BitCount.h"
 
@@ -95,15 +94,13 @@ struct AndNotOp {
 }  // namespace
 
 bool BitsetValue::InitCounts() {
-  for (unsigned int byte = 0; byte < 256; ++byte)
-    m_bitCounts[byte] = static_cast<unsigned char>(std::popcount(byte));
+  for (unsigned int byte = 0; byte < 256; ++byte) m_bitCounts[byte] = static_cast<unsigned char>(std::popcount(byte));
   return true;
 }
 
 BitsetValue::BitsetValue(unsigned int numBits) : m_numBits(numBits) { m_words.resize(wordsFor(numBits)); }
 
-BitsetValue::BitsetValue(BitsetValue const &other)
-    : Glue(other), m_numBits(other.m_numBits), m_words(other.m_words) {}
+BitsetValue::BitsetValue(BitsetValue const &other) : Glue(other), m_numBits(other.m_numBits), m_words(other.m_words) {}
 
 BitsetValue::BitsetValue(BitsetValue &&other) noexcept
     : Glue(other), m_numBits(std::exchange(other.m_numBits, 0u)), m_words(std::move(other.m_words)) {}
@@ -260,8 +257,7 @@ bool BitsetValue::isEmpty() const {
 
 unsigned int BitsetValue::getAndBitsOn(BitsetValue const &other) const {
   unsigned int const common = std::min(m_words.getSize(), other.m_words.getSize());
-  return static_cast<unsigned int>(
-      detail::bitcount::countAnd(m_words.getBuffer(), other.m_words.getBuffer(), common));
+  return static_cast<unsigned int>(detail::bitcount::countAnd(m_words.getBuffer(), other.m_words.getBuffer(), common));
 }
 
 namespace {
@@ -344,8 +340,8 @@ bool BitsetValue::getNext(int &pos) const {
 }
 
 bool BitsetValue::getPrevious(int &pos) const {
-  long long const limit = static_cast<long long>(
-      std::min<unsigned long long>(usableBits(m_numBits, m_words.getSize()), INT_MAX + 1ull));
+  long long const limit =
+      static_cast<long long>(std::min<unsigned long long>(usableBits(m_numBits, m_words.getSize()), INT_MAX + 1ull));
   long long const end = std::min<long long>(pos, limit);  // scan the positions below `end`
   if (end <= 0) return false;
   unsigned int const *w = m_words.getBuffer();

@@ -1,11 +1,10 @@
 // BitsetValue2D.cpp - the grid's resize, which keeps cells at their coordinates
+#include <quarn/core/Annotate.h>
 #include <quarn/value/BitsetValue2D.h>
+#include <quarnCore/Throw.h>
 
 #include <algorithm>
 #include <climits>
-
-#include <quarn/core/Annotate.h>
-#include <quarnCore/Throw.h>
 
 namespace quarn {
 

@@ -1,10 +1,9 @@
 // BitsetValue3D.cpp - the block's resize, which keeps bits at their linear positions
+#include <quarn/core/Annotate.h>
 #include <quarn/value/BitsetValue3D.h>
+#include <quarnCore/Throw.h>
 
 #include <climits>
-
-#include <quarn/core/Annotate.h>
-#include <quarnCore/Throw.h>
 
 namespace quarn {
 

@@ -37,8 +37,8 @@ using Concat = typename ConcatLists<Lists...>::type;
 
 using ScalarClasses = TypeList<IntegerValue, DoubleValue, BooleanValue, StringValue>;
 using NullClasses = TypeList<NullValue, MissingValue>;
-using TypedArrayClasses = TypeList<IntegerArrayValue, DoubleArrayValue, StringArrayValue, BooleanArrayValue,
-                                   ByteArrayValue, IntegerFingerprintValue, DoubleFingerprintValue,
-                                   StringFingerprintValue>;
+using TypedArrayClasses =
+    TypeList<IntegerArrayValue, DoubleArrayValue, StringArrayValue, BooleanArrayValue, ByteArrayValue,
+             IntegerFingerprintValue, DoubleFingerprintValue, StringFingerprintValue>;
 
 }  // namespace quarn::detail

@@ -9,12 +9,12 @@
 // longer array greater and otherwise takes the first non-zero element compare.
 #pragma once
 
-#include <type_traits>
-#include <utility>
-
 #include <quarn/value/ArrayValue.h>
 #include <quarnCore/Array.h>
 #include <quarnCore/BaseString.h>
+
+#include <type_traits>
+#include <utility>
 
 namespace quarn::detail {
 

@@ -1,10 +1,9 @@
 // FlexArrayValue.cpp - element access, order, hash and payload of the list of flexible values
+#include <quarn/core/Annotate.h>
+#include <quarn/value/ByteStream.h>
 #include <quarn/value/FlexArrayValue.h>
 
 #include <utility>
-
-#include <quarn/core/Annotate.h>
-#include <quarn/value/ByteStream.h>
 
 #include "ArrayCoding.h"
 #include "ElementArrays.h"

@@ -20,11 +20,11 @@
 //   it was); into a typed array, every element by the getter of the array's
 //   kind.
 // A conversion that fails (text that is no number) leaves the target as it was.
-#include <type_traits>
-#include <utility>
-
 #include <quarn/value/FlexArrayValue.h>
 #include <quarn/value/FlexValue.h>
+
+#include <type_traits>
+#include <utility>
 
 #include "ArrayElement.h"
 #include "ClassLists.h"
@@ -34,7 +34,9 @@ namespace quarn {
 namespace {
 
 template <class A>
-constexpr bool isTypedArray = requires { typename A::ElementType; };
+constexpr bool isTypedArray = requires {
+  typename A::ElementType;
+};
 
 template <class V>
 constexpr bool isNull = std::is_base_of_v<NullValue, V>;
@@ -132,8 +134,7 @@ ConverterGrid<FlexConverter, Concat<ScalarClasses, NullClasses, TypedArrayClasse
 ConverterGrid<FlexConverter, Concat<ScalarClasses, NullClasses, TypedArrayClasses, TypeList<FlexValue>>,
               TypeList<FlexArrayValue>>
     intoFlexArrayValue;
-ConverterGrid<FlexConverter, TypeList<FlexValue, FlexArrayValue>, Concat<ScalarClasses, TypedArrayClasses>>
-    outOfFlex;
+ConverterGrid<FlexConverter, TypeList<FlexValue, FlexArrayValue>, Concat<ScalarClasses, TypedArrayClasses>> outOfFlex;
 
 }  // namespace
 

@@ -1,5 +1,14 @@
 // FlexValue.cpp - storage, coercions, order, hash, XML text and payload of the variant value
+#include <quarn/value/BooleanValue.h>
+#include <quarn/value/ByteStream.h>
+#include <quarn/value/DoubleValue.h>
 #include <quarn/value/FlexValue.h>
+#include <quarn/value/IntegerValue.h>
+#include <quarn/value/NullValue.h>
+#include <quarn/value/StringValue.h>
+#include <quarnCore/Exception.h>
+#include <quarnCore/TextUtil.h>
+#include <quarnCore/Unicode.h>
 
 #include <bit>
 #include <charconv>
@@ -7,16 +16,6 @@
 #include <cstring>
 #include <type_traits>
 #include <utility>
-
-#include <quarn/value/BooleanValue.h>
-#include <quarn/value/ByteStream.h>
-#include <quarn/value/DoubleValue.h>
-#include <quarn/value/IntegerValue.h>
-#include <quarn/value/NullValue.h>
-#include <quarn/value/StringValue.h>
-#include <quarnCore/Exception.h>
-#include <quarnCore/TextUtil.h>
-#include <quarnCore/Unicode.h>
 
 #include "NarrowText.h"
 #include "SingleElement.h"
@@ -65,6 +64,35 @@ bool equalsAscii(WString const &text, char const *ascii) noexcept {
   return true;
 }
 
+/// An unsigned text: the signed reading's bits, or above 2147483647 the
+/// decimal digits (an optional '+', blanks around) up to 4294967295; other
+/// texts fail as the signed reading does.
+unsigned int readUnsigned(WString const &text) {
+  try {
+    return static_cast<unsigned int>(util::stringToInteger(text, nullptr));
+  } catch (Exception const &) {
+    auto blank = [](unsigned short u) { return u == ' ' || u == '\t' || u == '\r' || u == '\n' || u == 0xA0; };
+    unsigned short const *p = text.getBuffer();
+    unsigned int begin = 0, end = text.getLength();
+    while (begin < end && blank(p[begin])) ++begin;
+    while (end > begin && blank(p[end - 1])) --end;
+    if (begin < end && p[begin] == '+') ++begin;
+    char digits[16];
+    bool ok = end > begin && end - begin < sizeof digits;
+    for (unsigned int k = begin; ok && k < end; ++k) {
+      ok = p[k] >= '0' && p[k] <= '9';
+      digits[k - begin] = static_cast<char>(p[k]);
+    }
+    unsigned long long value = 0;
+    if (ok) {
+      auto [stop, error] = std::from_chars(digits, digits + (end - begin), value);
+      ok = error == std::errc() && stop == digits + (end - begin) && value <= 0xFFFFFFFFull;
+    }
+    if (!ok) throw;
+    return static_cast<unsigned int>(value);
+  }
+}
+
 struct KindNames {
   char const *native;
   char const *xml;
@@ -73,9 +101,9 @@ struct KindNames {
 /// Native and XML type names by code; codes outside 1-9 use the last row.
 constexpr KindNames kKindNames[] = {
     {"stringType", "xsd:string"},  // unknown code
-    {"nullType", "xsd:string"},    {"intType", "xsd:integer"},  {"intType", "xsd:unsignedInt"},
-    {"doubleType", "xsd:double"},  {"doubleType", "xsd:float"}, {"boolType", "xsd:boolean"},
-    {"byteType", "xsd:byte"},      {"stringType", "b:wstring"}, {"stringType", "b:cstring"},
+    {"nullType", "xsd:string"},   {"intType", "xsd:integer"},  {"intType", "xsd:unsignedInt"},
+    {"doubleType", "xsd:double"}, {"doubleType", "xsd:float"}, {"boolType", "xsd:boolean"},
+    {"byteType", "xsd:byte"},     {"stringType", "b:wstring"}, {"stringType", "b:cstring"},
 };
 
 KindNames const &namesOf(int code) noexcept { return kKindNames[code >= 1 && code <= 9 ? code : 0]; }
@@ -493,7 +521,7 @@ void FlexValue::setFromXMLText(WString const &text, WString const &type) {
   if (equalsAscii(type, "xsd:integer"))
     *this = util::stringToInteger(text, nullptr);
   else if (equalsAscii(type, "xsd:unsignedInt"))
-    *this = static_cast<unsigned int>(util::stringToInteger(text, nullptr));
+    *this = readUnsigned(text);
   else if (equalsAscii(type, "xsd:double"))
     *this = util::stringToDouble(text, nullptr);
   else if (equalsAscii(type, "xsd:float"))

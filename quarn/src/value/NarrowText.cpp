@@ -1,9 +1,9 @@
 // NarrowText.cpp - reading and writing framed 8-bit text
 #include "NarrowText.h"
 
-#include <algorithm>
-
 #include <quarnCore/Exception.h>
+
+#include <algorithm>
 
 namespace quarn::detail {
 

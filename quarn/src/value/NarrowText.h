@@ -14,10 +14,10 @@
 // the target is replaced only once the whole text is in.
 #pragma once
 
-#include <cstddef>
-
 #include <quarn/value/ByteStream.h>
 #include <quarnCore/BaseString.h>
+
+#include <cstddef>
 
 namespace quarn::detail {
 

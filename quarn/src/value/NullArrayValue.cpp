@@ -1,8 +1,7 @@
 // NullArrayValue.cpp - a counted list of null values: conversions, order and payload
-#include <quarn/value/NullArrayValue.h>
-
 #include <quarn/core/Annotate.h>
 #include <quarn/value/ByteStream.h>
+#include <quarn/value/NullArrayValue.h>
 #include <quarnCore/Exception.h>
 
 #include "ArrayCoding.h"

@@ -19,13 +19,13 @@
 // Into NullArrayValue from NullValue and MissingValue: an empty array.
 // A conversion that fails (text that is no number, an element class with no
 // converter to FlexValue) leaves the target as it was.
-#include <type_traits>
-#include <utility>
-
 #include <quarn/value/FlexArrayValue.h>
 #include <quarn/value/FlexValue.h>
 #include <quarn/value/NullArrayValue.h>
 #include <quarn/value/ValueArrayValue.h>
+
+#include <type_traits>
+#include <utility>
 
 #include "ArrayElement.h"
 #include "ClassLists.h"
@@ -35,7 +35,9 @@ namespace quarn {
 namespace {
 
 template <class A>
-constexpr bool isTypedArray = requires { typename A::ElementType; };
+constexpr bool isTypedArray = requires {
+  typename A::ElementType;
+};
 
 template <class From>
 void intoValueArray(From const &from, ValueArrayValue &to) {
@@ -110,9 +112,10 @@ using detail::NullClasses;
 using detail::ScalarClasses;
 using detail::TypedArrayClasses;
 
-ConverterGrid<ValueArrayConverter,
-              Concat<ScalarClasses, NullClasses, TypedArrayClasses, TypeList<FlexValue, FlexArrayValue, NullArrayValue>>,
-              TypeList<ValueArrayValue>>
+ConverterGrid<
+    ValueArrayConverter,
+    Concat<ScalarClasses, NullClasses, TypedArrayClasses, TypeList<FlexValue, FlexArrayValue, NullArrayValue>>,
+    TypeList<ValueArrayValue>>
     intoValueArrayValue;
 ConverterGrid<ValueArrayConverter, TypeList<ValueArrayValue>,
               Concat<ScalarClasses, TypedArrayClasses, TypeList<FlexValue, FlexArrayValue, NullArrayValue>>>

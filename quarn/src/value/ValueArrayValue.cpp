@@ -1,15 +1,14 @@
 // ValueArrayValue.cpp - owned elements of any class, their order, hash and named payload
-#include <quarn/value/ValueArrayValue.h>
-
-#include <algorithm>
-#include <cstring>
-#include <utility>
-
 #include <quarn/core/Annotate.h>
 #include <quarn/core/Class.h>
 #include <quarn/value/ByteStream.h>
 #include <quarn/value/NullValue.h>
+#include <quarn/value/ValueArrayValue.h>
 #include <quarnCore/Exception.h>
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
 
 #include "ArrayCoding.h"
 #include "ElementArrays.h"

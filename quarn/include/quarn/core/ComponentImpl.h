@@ -79,7 +79,7 @@ class ComponentImpl : public ComponentObject, public Interfaces... {
  private:
 
 /// In one source file of the component library: the statics of Self, with its class name.
-#define QUARN_DEFINE_COMPONENT(Self, className) \
+#define QUARN_DEFINE_COMPONENT(Self, className)     \
   ::quarn::ClassTagDecl const Self::Tag(className); \
-  ::quarn::ClassImp<Self> Self::m_class;          \
+  ::quarn::ClassImp<Self> Self::m_class;            \
   ::quarn::LeakDetector Self::m_leakDetector(className)

@@ -25,13 +25,13 @@
 // addresses and reads them on first use, when the library is fully loaded.
 #pragma once
 
-#include <initializer_list>
-#include <mutex>
-
 #include <quarn/core/CZedLibraryUtils.h>
 #include <quarn/core/ClassTag.h>
 #include <quarn/core/Export.h>
 #include <quarnCore/Array.h>
+
+#include <initializer_list>
+#include <mutex>
 
 /// Exports a component library's entry point with C linkage.
 #define QUARN_COMPONENT_EXPORT __attribute__((visibility("default")))

@@ -78,9 +78,9 @@ struct Interface : public virtual CountedObject {
  public:
 
 /// An interface that carries only the glue (its operations come later).
-#define QUARN_DECLARE_INTERFACE(iX)                          \
-  struct QUARN_API iX : public ::quarn::Interface<iX> {      \
-    QUARN_INTERFACE(iX)                                      \
+#define QUARN_DECLARE_INTERFACE(iX)                     \
+  struct QUARN_API iX : public ::quarn::Interface<iX> { \
+    QUARN_INTERFACE(iX)                                 \
   }
 
 /// In one source file: the definitions of the statics of iX.

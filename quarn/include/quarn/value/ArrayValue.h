@@ -16,6 +16,13 @@
 // ("Compare not implemented") and no item type ("getItemValueType() Not
 // implemented for ArrayValue of type '%hs'"); the concrete classes supply both.
 //
+// Text: an array has no XML text of its own (hasXMLText is false, and
+// getXMLText is element 0's text); it is written and read one element at a
+// time with getIthXMLText / appendValueFromXMLText. setFromXMLText goes
+// through the converter from StringValue, so it makes a one-element array of
+// the text read by the element's getter ("12" -> [12]); ByteArrayValue
+// instead reads and writes all its bytes as Base64.
+//
 // Pooled arrays come back from their pool empty (onActivate resizes to 0 and
 // keeps the buffer); returning to the pool frees the buffer of an array of
 // more than 1000 elements (ByteArrayValue: 10000), bounding pooled memory.

@@ -8,8 +8,6 @@
 // frees its storage above 1000 elements.
 #pragma once
 
-#include <utility>
-
 #include <quarn/core/Export.h>
 #include <quarn/core/PooledClassImp.h>
 #include <quarn/value/BitFingerprintValue.h>
@@ -17,11 +15,15 @@
 #include <quarn/value/ValueGlue.h>
 #include <quarnCore/Array.h>
 
+#include <utility>
+
 namespace quarn {
 
 /// Pooled: create with newInstance(), hand back with deleteInstance().
-class QUARN_API BitFingerprintArrayValue : public ValueGlue<BitFingerprintArrayValue, BitsetArrayValueImpl<BitFingerprintValue>> {
-  QUARN_VALUE_CLASS(BitFingerprintArrayValue, "Marlix.value.BitFingerprintArrayValue", PooledClassImp<BitFingerprintArrayValue, -1>)
+class QUARN_API BitFingerprintArrayValue
+    : public ValueGlue<BitFingerprintArrayValue, BitsetArrayValueImpl<BitFingerprintValue>> {
+  QUARN_VALUE_CLASS(BitFingerprintArrayValue, "Marlix.value.BitFingerprintArrayValue",
+                    PooledClassImp<BitFingerprintArrayValue, -1>)
 
  public:
   BitFingerprintArrayValue() = default;

@@ -8,12 +8,12 @@
 // class they order by class name, the other's name first.
 #pragma once
 
-#include <utility>
-
 #include <quarn/core/Export.h>
 #include <quarn/core/PooledClassImp.h>
 #include <quarn/value/BitsetValue.h>
 #include <quarn/value/ValueGlue.h>
+
+#include <utility>
 
 namespace quarn {
 

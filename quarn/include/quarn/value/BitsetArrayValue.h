@@ -7,14 +7,14 @@
 // array comes back empty and frees its storage above 1000 elements.
 #pragma once
 
-#include <utility>
-
 #include <quarn/core/Export.h>
 #include <quarn/core/PooledClassImp.h>
-#include <quarn/value/BitsetValue.h>
 #include <quarn/value/BitsetArrayValueImpl.h>
+#include <quarn/value/BitsetValue.h>
 #include <quarn/value/ValueGlue.h>
 #include <quarnCore/Array.h>
+
+#include <utility>
 
 namespace quarn {
 

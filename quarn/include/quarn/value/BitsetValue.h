@@ -44,6 +44,9 @@
 // bits, none on -> "5 ". Reading XML text: a text with a space is a bit count
 // (read leniently; a negative or missing count is 0) followed by positions, so
 // "3 7" is 7 bits with only bit 6 on; a text without a space is positions only.
+// Numbers read from text saturate at 2147483647, so a text can ask for at most
+// 2^31 - 1 bits (256 MB of words); callers reading untrusted text that must
+// stay smaller check the text first.
 //
 // Payload: n as a stream int, the word count as a stream int, then each word
 // as a stream int (its 32 bits taken as signed). 33 bits with bits 0 and 32 on:

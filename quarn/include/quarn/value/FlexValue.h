@@ -4,7 +4,8 @@
 // float, a bool, a byte, a wide (UTF-16) or a narrow (UTF-8 bytes) string, and
 // remembers which (its StorageType code, 1 to 9), so that its XML and byte
 // forms keep that type. It owns a held string (on the heap, one per value);
-// every assignment replaces the whole content.
+// every assignment replaces the whole content. (`long` and `unsigned long`
+// are stored in 32 bits: their low 32 bits are kept.)
 //
 // Coercions follow the held kind: numbers convert as C does (a double or
 // float outside the int range, or NaN, gives -2147483648 as an integer), an
@@ -28,7 +29,9 @@
 // the type "xsd:string" (nothing), "xsd:integer", "xsd:unsignedInt",
 // "xsd:double", "xsd:float", "xsd:boolean", "xsd:byte", "b:wstring" or
 // "b:cstring"; read back by the type (exact, case-sensitive: "xsd:boolean" is
-// true only for the text "true"; any other type gives a wide text).
+// true only for the text "true"; "xsd:unsignedInt" takes a signed integer's
+// bits, or a decimal above 2147483647 up to 4294967295; any other type gives a
+// wide text).
 //
 // Payload: the code as a stream int, then null: nothing (04); signed and
 // unsigned: a stream int (2 -> 08 08, 4294967295u -> 0C FC); double: a stream
@@ -43,14 +46,14 @@
 // does nothing, returning it clears it, so a pooled value holds no string.
 #pragma once
 
-#include <cstdint>
-
 #include <quarn/core/Export.h>
 #include <quarn/core/PooledClassImp.h>
 #include <quarn/core/Ptr.h>
 #include <quarn/value/Value.h>
 #include <quarn/value/ValueGlue.h>
 #include <quarnCore/BaseString.h>
+
+#include <cstdint>
 
 namespace quarn {
 

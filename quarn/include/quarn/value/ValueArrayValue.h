@@ -9,7 +9,9 @@
 // a copy of the value as one element (an array value is not spliced), while
 // appendValue(Value *) takes the object itself. Growing with resize appends
 // NullValues. Items are of any class (getItemValueType is Value's tag), so
-// getIthValue(i, ObjPtr) hands out a copy of the element.
+// getIthValue(i, ObjPtr) hands out a copy of the element, and an element
+// cannot be made from XML text alone (appendValueFromXMLText refuses with
+// "It is invalid to create an interface instance: Marlix.value.Value").
 //
 // Order: against another class by class name; a longer array is greater; else
 // the first non-zero compare of the elements, this one's against the other's.

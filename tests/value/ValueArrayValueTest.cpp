@@ -1,0 +1,369 @@
+// ValueArrayValueTest.cpp - owned elements of any class, their named payload and hostile streams
+#include <gtest/gtest.h>
+#include <quarn/core/Class.h>
+#include <quarn/core/Object.h>
+#include <quarn/value/BitsetValue.h>
+#include <quarn/value/BooleanValue.h>
+#include <quarn/value/ByteArrayValue.h>
+#include <quarn/value/DoubleArrayValue.h>
+#include <quarn/value/DoubleValue.h>
+#include <quarn/value/FlexArrayValue.h>
+#include <quarn/value/FlexValue.h>
+#include <quarn/value/IntegerArrayValue.h>
+#include <quarn/value/IntegerValue.h>
+#include <quarn/value/MissingValue.h>
+#include <quarn/value/NullArrayValue.h>
+#include <quarn/value/NullValue.h>
+#include <quarn/value/StringArrayValue.h>
+#include <quarn/value/StringValue.h>
+#include <quarn/value/ValueArrayValue.h>
+#include <quarnCore/LeakDetector.h>
+
+#include <initializer_list>
+#include <string>
+#include <vector>
+
+#include "support/ExpectThrow.h"
+#include "value/BitsetContracts.h"
+#include "value/GoldenBytes.h"
+#include "value/ValueArrayContracts.h"
+
+namespace quarn::test {
+namespace {
+
+constexpr char kAnnotation[] = "\nValueArrayValue::deserialize: Tessary exception caught";
+
+/// A class that can be made by name but is no value.
+class NotAValue final : public Object {
+ public:
+  static ClassTagDecl const Tag;
+  static ClassImp<NotAValue> m_class;
+  static int live;
+  static NotAValue *newInstance() {
+    ++live;
+    return new NotAValue();
+  }
+  ClassTag const &getClassTag() const override { return Tag; }
+  void deleteInstance() override {
+    --live;
+    delete this;
+  }
+
+ private:
+  ~NotAValue() override = default;
+};
+ClassTagDecl const NotAValue::Tag("Marlix.test.NotAValue");
+ClassImp<NotAValue> NotAValue::m_class;
+int NotAValue::live = 0;
+
+/// The framing of one element's class name.
+Bytes nameFrame(std::string const &name) {
+  Bytes length = serialise(IntegerValue(static_cast<int>(name.size()) + 1));
+  return length + bytesOfText(name);
+}
+
+/// `levels` value arrays inside one another around one IntegerValue.
+ValueArrayValue nested(int levels) {
+  ValueArrayValue v = valuesOf(IntegerValue(1));
+  for (int k = 1; k < levels; ++k) v = valuesOf(v);
+  return v;
+}
+
+/// One value of every class of the library.
+ValueArrayValue everyClass() {
+  ValueArrayValue all =
+      valuesOf(IntegerValue(7), DoubleValue(0.5), BooleanValue(true), StringValue("s"), NullValue(), MissingValue(),
+               flexesOf({FlexValue(1), FlexValue("n")}), nullsOf(2), valuesOf(IntegerValue(1), StringValue("in")));
+  for (FlexValue const &f : FlexContract::samples()) all.appendValue(f);
+  auto addOne = [&all](auto const &samples) { all.appendValue(samples.back()); };
+  addOne(ArrayContract<IntegerArrayValue>::samples());
+  addOne(ArrayContract<DoubleArrayValue>::samples());
+  addOne(ArrayContract<StringArrayValue>::samples());
+  addOne(ArrayContract<BooleanArrayValue>::samples());
+  addOne(ArrayContract<ByteArrayValue>::samples());
+  addOne(ArrayContract<IntegerFingerprintValue>::samples());
+  addOne(ArrayContract<DoubleFingerprintValue>::samples());
+  addOne(ArrayContract<StringFingerprintValue>::samples());
+  addOne(ArrayContract<BitsetArrayValue>::samples());
+  addOne(ArrayContract<BitFingerprintArrayValue>::samples());
+  all.appendValue(bitsetOf(100, {3, 64, 99}));
+  all.appendValue(bitsetOf<BitFingerprintValue>(7, {0, 6}));
+  addOne(BitsetContract<BitsetValue2D>::samples());
+  addOne(BitsetContract<BitsetValue3D>::samples());
+  return all;
+}
+
+/// Instances alive in the process once every pool is emptied.
+long liveInstances() {
+  Class::clearAllClassPools();
+  return LeakDetector::getTotalLiveCount();
+}
+
+TEST(ValueArrayValueTest, EachElementIsFramedByItsClassNameThenItsPayload) {
+  EXPECT_EQ(hexOf(serialise(valuesOf(IntegerValue(7)))),
+            "04 01 1A " + hexOf(bytesOfText(IntegerValue::className)) + " 1C");
+  EXPECT_EQ(hexOf(serialise(ValueArrayValue())), "00");
+  Bytes const two =
+      golden("08") + nameFrame(StringValue::className) + golden("08 41") + nameFrame(NullValue::className);
+  EXPECT_EQ(serialise(valuesOf(StringValue("A"), NullValue())), two);
+  readEach<ValueArrayValue>(two, 2, [](ValueArrayValue const &read) {
+    ASSERT_EQ(read.getSize(), 2u);
+    EXPECT_EQ(read[0].getClassTag(), StringValue::Tag);
+    EXPECT_EQ(read[1].getClassTag(), NullValue::Tag);
+  });
+}
+
+TEST(ValueArrayValueTest, OneValueOfEveryClassRoundTripsInVersions1And2) {
+  ValueArrayValue const all = everyClass();
+  for (int version : {1, 2}) {
+    readEach<ValueArrayValue>(serialise(all, version), version, [&](ValueArrayValue const &read) {
+      ASSERT_EQ(read.getSize(), all.getSize());
+      for (unsigned int i = 0; i < all.getSize(); ++i) {
+        EXPECT_EQ(read[i].getClassTag(), all[i].getClassTag()) << i;
+        EXPECT_EQ(read[i].compare(all[i]), 0) << all[i].getClassTag().getName();
+      }
+      EXPECT_EQ(read.compare(all), 0);
+      EXPECT_EQ(read.hash(), all.hash());
+    });
+  }
+}
+
+TEST(ValueArrayValueTest, EveryTruncationFailsKeepsTheArrayAndHandsBackWhatItMade) {
+  ValueArrayValue const all = everyClass();
+  ValueArrayValue const before = valuesOf(StringValue("kept"));
+  long const baseline = liveInstances();
+  for (int version : {1, 2}) {
+    Bytes const bytes = serialise(all, version);
+    for (std::size_t cut = 0; cut < bytes.size(); ++cut) {
+      {
+        ValueArrayValue target(before);
+        ChunkedInputStream in(Bytes(bytes.begin(), bytes.begin() + static_cast<long>(cut)), 5, version);
+        try {
+          target.deserialize(in);
+          ADD_FAILURE() << "no failure at cut " << cut;
+        } catch (Exception const &e) {
+          EXPECT_EQ(std::string(e.what()).rfind("EOF reading", 0), 0u) << e.what();
+        }
+        EXPECT_EQ(target.compare(before), 0) << "cut " << cut;
+      }
+      ASSERT_EQ(liveInstances(), baseline) << "version " << version << ", cut " << cut;
+    }
+  }
+}
+
+TEST(ValueArrayValueTest, BadClassNamesFailClearlyAndLeaveNothingBehind) {
+  Bytes const seven = nameFrame(IntegerValue::className) + golden("1C");
+  struct Case {
+    Bytes bytes;
+    std::string message;
+  } const cases[] = {
+      {golden("04") + nameFrame("Marlix.value.NoSuchValue"), "Class Marlix.value.NoSuchValue not registered."},
+      {golden("04") + nameFrame("Marlix.test.NotAValue"), "Class Marlix.test.NotAValue is not a value"},
+      {golden("04") + nameFrame("Marlix.obj.CountedObject"),
+       "It is invalid to create an interface instance: Marlix.obj.CountedObject"},
+      {golden("04") + nameFrame("Marlix.interface.iNode"),
+       "It is invalid to create an interface instance: Marlix.interface.iNode"},
+      {golden("04") + nameFrame("Marlix.value.Value"),
+       "It is invalid to create an interface instance: Marlix.value.Value"},
+      {golden("08") + seven + nameFrame("Marlix.value.ArrayValue"),
+       "It is invalid to create an interface instance: Marlix.value.ArrayValue"},
+      {golden("04 FC"), "Invalid class name length -1 in ValueArrayValue element 0"},
+      {golden("04 03 FF FF FF 7F"), "Invalid class name length 2147483647 in ValueArrayValue element 0"},
+      {golden("08") + seven + golden("02 02 04"), "Invalid class name length 1026 in ValueArrayValue element 1"},
+      {golden("04 00"), "ValueArrayValue element 0 has no class name"},
+      {golden("08") + seven + golden("04"), "ValueArrayValue element 1 has no class name"},
+      {golden("04 0C 41 00"), "ValueArrayValue element 0 has a class name with a zero byte"},
+  };
+  ValueArrayValue const before = valuesOf(IntegerValue(3));
+  long const baseline = liveInstances();
+  for (auto const &c : cases) {
+    {
+      ValueArrayValue target(before);
+      ChunkedInputStream in(c.bytes, 8);
+      EXPECT_QUARN_THROW(target.deserialize(in), c.message + kAnnotation);
+      EXPECT_EQ(target.compare(before), 0);
+    }
+    EXPECT_EQ(liveInstances(), baseline) << c.message;
+  }
+  EXPECT_EQ(NotAValue::live, 0);
+}
+
+TEST(ValueArrayValueTest, ANameThatCouldEscapeTheClassesFolderIsRefused) {
+  ValueArrayValue target;
+  ChunkedInputStream in(golden("04") + nameFrame("../x"), 8);
+  try {
+    target.deserialize(in);
+    ADD_FAILURE() << "no failure";
+  } catch (Exception const &e) {
+    EXPECT_EQ(std::string(e.what()).rfind("Invalid class name '../x'", 0), 0u) << e.what();
+  }
+  EXPECT_EQ(target.getSize(), 0u);
+}
+
+TEST(ValueArrayValueTest, AFailureInsideANestedArrayIsAnnotatedAtEachLevel) {
+  Bytes bytes = golden("04") + nameFrame(ValueArrayValue::className) + golden("04") + nameFrame("Marlix.x.Missing");
+  ValueArrayValue target;
+  ChunkedInputStream in(bytes, 8);
+  EXPECT_QUARN_THROW(target.deserialize(in),
+                     std::string("Class Marlix.x.Missing not registered.") + kAnnotation + kAnnotation);
+}
+
+TEST(ValueArrayValueTest, ArraysNestSixtyFourDeepAndNoDeeper) {
+  ValueArrayValue const deepest = nested(ValueArrayValue::kMaxNesting);
+  readEach<ValueArrayValue>(serialise(deepest), 2,
+                            [&](ValueArrayValue const &read) { EXPECT_EQ(read.compare(deepest), 0); });
+
+  std::string expected = "ValueArrayValue nesting deeper than 64 levels";
+  for (int k = 0; k <= ValueArrayValue::kMaxNesting; ++k) expected += kAnnotation;
+  ValueArrayValue target;
+  ChunkedInputStream tooDeep(serialise(nested(ValueArrayValue::kMaxNesting + 1)), 1024);
+  EXPECT_QUARN_THROW(target.deserialize(tooDeep), expected);
+
+  // A hostile stream nests without end: it fails at the limit, not at the end of the stack.
+  Bytes const level = golden("04") + nameFrame(ValueArrayValue::className);
+  Bytes endless;
+  for (int k = 0; k < 10000; ++k) endless.insert(endless.end(), level.begin(), level.end());
+  ChunkedInputStream hostile(endless, 1024);
+  EXPECT_QUARN_THROW(target.deserialize(hostile), expected);
+  EXPECT_EQ(target.getSize(), 0u);
+
+  // The depth is counted per read: a full-depth array still reads afterwards.
+  ChunkedInputStream again(serialise(deepest), 1024);
+  target.deserialize(again);
+  EXPECT_EQ(target.compare(deepest), 0);
+}
+
+TEST(ValueArrayValueTest, ACountTheStreamCannotHoldFailsAtItsEndHandingBackTheElementsMade) {
+  int const outstanding = IntegerValue::m_class.getOutstanding();
+  ValueArrayValue target = valuesOf(StringValue("kept"));
+  ChunkedInputStream in(golden("03 FF FF FF 7F") + nameFrame(IntegerValue::className) + golden("1C"), 3);
+  EXPECT_QUARN_THROW(target.deserialize(in), std::string("EOF reading int header") + kAnnotation);
+  EXPECT_EQ(IntegerValue::m_class.getOutstanding(), outstanding);
+  EXPECT_EQ(textOf(target[0]), u"kept");
+  ChunkedInputStream negative(golden("FC"), 3);
+  EXPECT_QUARN_THROW(target.deserialize(negative), std::string("Invalid array element count -1") + kAnnotation);
+}
+
+TEST(ValueArrayValueTest, TheArrayOwnsItsElementsAndHandsThemBack) {
+  auto &pool = IntegerValue::m_class;
+  int const outstanding = pool.getOutstanding();
+  {
+    ValueArrayValue a;
+    IntegerValue seven(7);
+    a.appendValue(seven);  // a copy
+    EXPECT_NE(&a[0], &seven);
+    IntegerValue *given = IntegerValue::newInstance();
+    a.appendValue(given);  // the object itself
+    EXPECT_EQ(&a.getIthValue(1), given);
+    EXPECT_EQ(pool.getOutstanding(), outstanding + 2);
+    ValueArrayValue copy(a);
+    EXPECT_NE(&copy[0], &a[0]);
+    EXPECT_EQ(pool.getOutstanding(), outstanding + 4);
+    a.remove(0);
+    a.setIthValue(0, StringValue("s"));
+    EXPECT_EQ(pool.getOutstanding(), outstanding + 2);
+    a.resize(3);
+    EXPECT_EQ(a[2].getClassTag(), NullValue::Tag);
+    a.insertValue(0, IntegerValue(5));
+    copy = a;
+    EXPECT_EQ(pool.getOutstanding(), outstanding + 2);
+    EXPECT_QUARN_THROW(a.appendValue(static_cast<Value *>(nullptr)), "ValueArrayValue cannot hold a null element");
+    EXPECT_QUARN_THROW_AS(
+        a.insertValue(5, IntegerValue(0)), InvalidIndexException,
+        "Invalid index 5 (last valid index 3)\nValueArrayValue::insertValue: Tessary exception caught");
+    EXPECT_QUARN_THROW_AS(a.remove(4), InvalidIndexException, "Invalid index 4 (last valid index 3)");
+  }
+  EXPECT_EQ(pool.getOutstanding(), outstanding);
+
+  ValueArrayValue *pooled = ValueArrayValue::newInstance();
+  pooled->appendValue(IntegerValue(1));
+  pooled->deleteInstance();
+  EXPECT_EQ(pool.getOutstanding(), outstanding);
+}
+
+TEST(ValueArrayValueTest, ElementsConvertByTheirOwnClassRules) {
+  ValueArrayValue a = valuesOf(IntegerValue(12), StringValue("34"), DoubleValue(5.5));
+  WString text;
+  a.getIthString(0, text);
+  EXPECT_EQ(str(text), u"12");
+  EXPECT_EQ(a.getIthInteger(1), 34);
+  EXPECT_EQ(a.getIthDouble(2), 5.5);
+  EXPECT_EQ(a.getItemValueType(), Value::Tag);
+  Array<int> ints;
+  a.getArray(ints);
+  ASSERT_EQ(ints.getSize(), 3u);
+  EXPECT_EQ(ints[2], 5);
+  ObjPtr<Value> item;
+  a.getIthValue(1, item);
+  EXPECT_EQ(item->getClassTag(), StringValue::Tag);
+  EXPECT_NE(item.get(), &a[1]);
+  IntegerValue target;
+  a.getIthValue(1, target);
+  EXPECT_EQ(target.getInteger(), 34);
+  EXPECT_QUARN_THROW(valuesOf(StringValue("x")).getIthInteger(0), "Cannot convert 'x' to an integer");
+  EXPECT_QUARN_THROW(a.appendValueFromXMLText(u16(u"1"), WString()),
+                     "It is invalid to create an interface instance: Marlix.value.Value\n"
+                     "ArrayValue::appendValueFromXMLText: Tessary exception caught");
+}
+
+TEST(ValueArrayValueTest, HashAndOrderFollowTheElements) {
+  EXPECT_EQ(ValueArrayValue().hash(), 0u);
+  EXPECT_EQ(valuesOf(IntegerValue(1), IntegerValue(2)).hash(), 33u);
+  struct Case {
+    ValueArrayValue a, b;
+    int expected;
+  } const cases[] = {
+      {valuesOf(IntegerValue(1), IntegerValue(2)), valuesOf(IntegerValue(9)), 1},
+      {valuesOf(IntegerValue(9)), valuesOf(IntegerValue(1), IntegerValue(2)), -1},
+      {valuesOf(IntegerValue(1), IntegerValue(2)), valuesOf(IntegerValue(1), IntegerValue(3)), -1},
+      {valuesOf(IntegerValue(1)), valuesOf(IntegerValue(1)), 0},
+      {valuesOf(IntegerValue(1)), valuesOf(StringValue("1")), 'S' - 'I'},
+  };
+  for (auto const &c : cases) EXPECT_EQ(c.a.compare(c.b), c.expected) << hexOf(serialise(c.a));
+  EXPECT_EQ(ValueArrayValue().compare(NullArrayValue()), 'N' - 'V');
+}
+
+TEST(ValueArrayValueTest, ConvertsElementWiseWithTypedArraysAndScalars) {
+  int const ints[] = {1, 2};
+  unsigned char const byte = 200;
+  ValueArrayValue a;
+  IntegerArrayValue(ints, 2).assignTo(a);
+  ASSERT_EQ(a.getSize(), 2u);
+  EXPECT_EQ(a[1].getClassTag(), IntegerValue::Tag);
+  ByteArrayValue(&byte, 1).assignTo(a);
+  EXPECT_EQ(a[0].getInteger(), 200);
+  flexesOf({FlexValue(1.5f)}).assignTo(a);
+  EXPECT_EQ(a[0].getClassTag(), FlexValue::Tag);
+  nullsOf(3).assignTo(a);
+  EXPECT_EQ(a.getSize(), 3u);
+  StringValue("x").assignTo(a);
+  EXPECT_EQ(textOf(a[0]), u"x");
+  MissingValue().assignTo(a);
+  EXPECT_EQ(a.getSize(), 0u);
+
+  ValueArrayValue mixed = valuesOf(IntegerValue(1), StringValue("2"), DoubleValue(3.5));
+  IntegerArrayValue asInts;
+  DoubleArrayValue asDoubles;
+  IntegerValue first;
+  FlexValue flex;
+  FlexArrayValue flexes;
+  NullArrayValue nulls;
+  for (Value *target : std::initializer_list<Value *>{&asInts, &asDoubles, &first, &flex, &flexes, &nulls})
+    mixed.assignTo(*target);
+  EXPECT_EQ(asInts[1], 2);
+  EXPECT_EQ(asDoubles[2], 3.5);
+  EXPECT_EQ(first.getInteger(), 1);
+  EXPECT_EQ(flex.getStorageType(), FlexValue::IntType);
+  EXPECT_EQ(flexes[1].getStorageType(), FlexValue::WStringType);
+  EXPECT_EQ(nulls.getSize(), 3u);
+
+  FlexArrayValue kept = flexes;
+  EXPECT_QUARN_THROW(valuesOf(IntegerValue(1), BitsetValue()).assignTo(flexes),
+                     "Could not convert from Marlix.value.BitsetValue to Marlix.value.FlexValue");
+  EXPECT_EQ(flexes.compare(kept), 0);
+  EXPECT_QUARN_THROW(valuesOf(StringValue("x")).assignTo(asInts), "Cannot convert 'x' to an integer");
+  EXPECT_EQ(asInts.getSize(), 3u);
+}
+
+}  // namespace
+}  // namespace quarn::test
