@@ -28,7 +28,7 @@ std::string registeredIn(ScratchClass const &scratch) {
   return "\nClass " + scratch.name() + " is registered in " + scratch.path();
 }
 
-TEST(CreateInstanceTest, CreatesAComponentByNameAlone) {
+TEST(CreateInstanceTest, CreatesAComponentByNameAloneAndBindsTheLibrarysClasses) {
   ScratchClass scratch("Marlix.testlib.any.");
   scratch.registerTo(QUARN_TEST_COMPONENTS);
   Ptr<CountedObject> object = hold(Class::getClassInstance(ClassTag(scratch.c_str())));
@@ -40,18 +40,21 @@ TEST(CreateInstanceTest, CreatesAComponentByNameAlone) {
   Ptr<quarn::DynamicObject> direct(quarn::createInstance(scratch.c_str()));
   ASSERT_TRUE(direct);
   EXPECT_NE(static_cast<void *>(direct.get()), object->findAs(quarn::DynamicObject::Tag));  // a second instance
-}
-
-TEST(CreateInstanceTest, LoadingALibraryBindsItsClassesAndFillsItsFactoryMap) {
-  ScratchClass alias("Marlix.testlib.any.");
-  alias.registerTo(QUARN_TEST_COMPONENTS);  // loads the library, whichever test runs first
-  hold(Class::getClassInstance(ClassTag(alias.c_str())));
 
   ClassTag widget("Marlix.testlib.Widget");
   ASSERT_NE(widget.findClass(), nullptr);
-  EXPECT_EQ(&Class::getClass(widget), widget.findClass());
-  Ptr<CountedObject> object = hold(Class::getClassInstance(widget));
+  object = hold(Class::getClassInstance(widget));
   EXPECT_EQ(object->getClassTag(), widget);
+  // Each interface of the object answers with its one counted part.
+  auto *node = static_cast<quarn::iNode *>(object->findAs(quarn::iNode::Tag));
+  auto *tree = static_cast<quarn::iDataTree *>(object->findAs(quarn::iDataTree::Tag));
+  ASSERT_TRUE(node && tree);
+  EXPECT_EQ(static_cast<CountedObject *>(node), object.get());
+  EXPECT_EQ(static_cast<CountedObject *>(tree), object.get());
+  EXPECT_EQ(object->findAs(quarn::iAtom::Tag), nullptr);
+  node->addRef();
+  EXPECT_EQ(tree->getRefCount(), 2u);
+  node->release();
 
   quarn::CZedClassInfo info;
   ASSERT_TRUE(quarn::CZedLibraryUtils::FindFactoryComponent("Marlix.testlib.Widget", info));
@@ -60,45 +63,22 @@ TEST(CreateInstanceTest, LoadingALibraryBindsItsClassesAndFillsItsFactoryMap) {
   EXPECT_TRUE(info.proxy);
 }
 
-TEST(CreateInstanceTest, ObjectFromALibraryAnswersForEachInterfaceWithOneCount) {
-  ScratchClass alias("Marlix.testlib.any.");
-  alias.registerTo(QUARN_TEST_COMPONENTS);
-  hold(Class::getClassInstance(ClassTag(alias.c_str())));
-  Ptr<CountedObject> object = hold(Class::getClassInstance(ClassTag("Marlix.testlib.Widget")));
-  auto *node = static_cast<quarn::iNode *>(object->findAs(quarn::iNode::Tag));
-  auto *tree = static_cast<quarn::iDataTree *>(object->findAs(quarn::iDataTree::Tag));
-  ASSERT_NE(node, nullptr);
-  ASSERT_NE(tree, nullptr);
-  EXPECT_EQ(static_cast<CountedObject *>(node), object.get());
-  EXPECT_EQ(static_cast<CountedObject *>(tree), object.get());
-  EXPECT_EQ(object->findAs(CountedObject::Tag), static_cast<void *>(object.get()));
-  EXPECT_EQ(object->findAs(quarn::iAtom::Tag), nullptr);
-  node->addRef();
-  EXPECT_EQ(tree->getRefCount(), 2u);
-  node->release();
-}
-
-TEST(CreateInstanceTest, UnregisteredNameMakesNothing) {
-  ScratchClass scratch;
-  ClassTag tag(scratch.c_str());
+TEST(CreateInstanceTest, UnregisteredNameOrALibraryThatMakesNothingMakesNothing) {
+  ScratchClass unregistered, nothing("Marlix.testlib.nothing.");
+  nothing.registerTo(QUARN_TEST_COMPONENTS);
   quarn::BaseString<unsigned short> path("unchanged");
-  EXPECT_FALSE(quarn::isClassNameRegistered(scratch.c_str()));
-  EXPECT_FALSE(quarn::ServerPathFromClassName(tag, path));
+  EXPECT_FALSE(quarn::isClassNameRegistered(unregistered.c_str()));
+  EXPECT_FALSE(quarn::ServerPathFromClassName(ClassTag(unregistered.c_str()), path));
   EXPECT_EQ(path, quarn::BaseString<unsigned short>("unchanged"));
-  EXPECT_EQ(quarn::createInstance(tag), nullptr);
-  EXPECT_EQ(quarn::createInstance(scratch.c_str()), nullptr);
-  EXPECT_EQ(Class::findClassInstance(tag), nullptr);
-  EXPECT_QUARN_THROW(Class::getClassInstance(tag), "Class " + scratch.name() + " not registered.");
-  EXPECT_QUARN_THROW(Class::getClass(tag), "Class " + scratch.name() + " not registered.");
-}
-
-TEST(CreateInstanceTest, LibraryThatMakesNothingLeavesTheNameUnregistered) {
-  ScratchClass scratch("Marlix.testlib.nothing.");
-  scratch.registerTo(QUARN_TEST_COMPONENTS);
-  EXPECT_EQ(quarn::createInstance(scratch.c_str()), nullptr);
-  EXPECT_EQ(Class::findClassInstance(ClassTag(scratch.c_str())), nullptr);
-  EXPECT_QUARN_THROW(Class::getClassInstance(ClassTag(scratch.c_str())),
-                     "Class " + scratch.name() + " not registered.");
+  for (ScratchClass const *scratch : {&unregistered, &nothing}) {
+    ClassTag tag(scratch->c_str());
+    EXPECT_EQ(quarn::createInstance(tag), nullptr);
+    EXPECT_EQ(quarn::createInstance(scratch->c_str()), nullptr);
+    EXPECT_EQ(Class::findClassInstance(tag), nullptr);
+    EXPECT_QUARN_THROW(Class::getClassInstance(tag), "Class " + scratch->name() + " not registered.");
+  }
+  EXPECT_QUARN_THROW(Class::getClass(ClassTag(unregistered.c_str())),
+                     "Class " + unregistered.name() + " not registered.");
 }
 
 TEST(CreateInstanceTest, FailuresNameTheLibraryTheClassAndTheFile) {
@@ -129,35 +109,26 @@ TEST(CreateInstanceTest, FailuresNameTheLibraryTheClassAndTheFile) {
     EXPECT_QUARN_THROW(quarn::createInstance(scratch.c_str()),
                        message + "\nquarn::createInstance(char*): Tessary exception caught");
   }
+  ScratchClass bad("Marlix.testlib.any.", ".bad"), good("Marlix.testlib.any.", ".good");  // the process goes on
+  bad.write("<mxq:class><mxq:server>");
+  good.registerTo(QUARN_TEST_COMPONENTS);
+  EXPECT_THROW(Class::getClassInstance(ClassTag(bad.c_str())), quarn::Exception);
+  EXPECT_TRUE(hold(Class::getClassInstance(ClassTag(good.c_str()))));
 }
 
-TEST(CreateInstanceTest, FileThatNamesNoLibraryIsRefused) {
-  ScratchClass scratch;
-  scratch.registerTo("");
-  EXPECT_TRUE(quarn::isClassNameRegistered(scratch.c_str()));
-  quarn::BaseString<unsigned short> path;
-  EXPECT_QUARN_THROW(quarn::ServerPathFromClassName(ClassTag(scratch.c_str()), path),
-                     "Registration file " + scratch.path() + " of class " + scratch.name() +
-                         " names no library.\nquarn::ServerPathFromClassName: Tessary exception caught");
-}
-
-TEST(CreateInstanceTest, ServerPathIsUtf16) {
-  ScratchClass scratch;
+TEST(CreateInstanceTest, ServerPathIsUtf16AndMustNameALibrary) {
+  ScratchClass scratch, none("Marlix.test.", ".none");
   scratch.registerTo("/opt/caf\xC3\xA9/lib.so");
+  none.registerTo("");
   quarn::BaseString<unsigned short> path;
   ASSERT_TRUE(quarn::ServerPathFromClassName(ClassTag(scratch.c_str()), path));
   unsigned short const expected[] = {'/', 'o', 'p', 't', '/', 'c', 'a', 'f', 0xE9,
                                      '/', 'l', 'i', 'b', '.', 's', 'o', 0};
   EXPECT_EQ(path, quarn::BaseString<unsigned short>(expected));
-}
-
-TEST(CreateInstanceTest, ABadRegistrationDoesNotStopTheNextCreation) {
-  ScratchClass bad("Marlix.testlib.any.", ".bad");
-  ScratchClass good("Marlix.testlib.any.", ".good");
-  bad.write("<mxq:class><mxq:server>");
-  good.registerTo(QUARN_TEST_COMPONENTS);
-  EXPECT_THROW(Class::getClassInstance(ClassTag(bad.c_str())), quarn::Exception);
-  EXPECT_TRUE(hold(Class::getClassInstance(ClassTag(good.c_str()))));
+  EXPECT_TRUE(quarn::isClassNameRegistered(none.c_str()));
+  EXPECT_QUARN_THROW(quarn::ServerPathFromClassName(ClassTag(none.c_str()), path),
+                     "Registration file " + none.path() + " of class " + none.name() +
+                         " names no library.\nquarn::ServerPathFromClassName: Tessary exception caught");
 }
 
 }  // namespace

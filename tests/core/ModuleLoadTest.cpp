@@ -12,28 +12,17 @@
 
 namespace {
 
-struct ProbeRun {
-  int status;
-  std::string output;
-};
-
-ProbeRun runProbe(std::string const &arguments) {
-  std::string command = std::string("'") + QUARN_MODULE_PROBE + "' " + arguments + " 2>&1";
-  ProbeRun run{-1, {}};
-  std::FILE *pipe = popen(command.c_str(), "r");
-  if (!pipe) return run;
-  char buffer[256];
-  while (std::fgets(buffer, sizeof buffer, pipe)) run.output += buffer;
-  int status = pclose(pipe);
-  run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  return run;
-}
-
 TEST(ModuleLoadTest, LibquarnLoadsBindsEverythingAndUnloadsCleanlyTwice) {
-  ProbeRun run =
-      runProbe(std::string("'") + QUARN_LIBRARY + "' '" + QUARN_MODULE_CHECKER + "' '" + QUARN_TEST_COMPONENTS + "'");
-  EXPECT_EQ(run.status, 0) << run.output;
-  EXPECT_EQ(run.output, "ok\n");
+  std::string command = std::string("'") + QUARN_MODULE_PROBE + "' '" + QUARN_LIBRARY + "' '" + QUARN_MODULE_CHECKER +
+                        "' '" + QUARN_TEST_COMPONENTS + "' 2>&1";
+  std::FILE *pipe = popen(command.c_str(), "r");
+  ASSERT_NE(pipe, nullptr);
+  std::string output;
+  char buffer[256];
+  while (std::fgets(buffer, sizeof buffer, pipe)) output += buffer;
+  int status = pclose(pipe);
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << output;
+  EXPECT_EQ(output, "ok\n");
 }
 
 }  // namespace

@@ -45,13 +45,12 @@ TEST(ObjectTest, LastReleaseDeletesOnce) {
   EXPECT_EQ(object->release(), 0u);
   EXPECT_EQ(Counted::finalReleases, 1);
   EXPECT_EQ(Counted::deletions, 1);
-}
-
-TEST(ObjectTest, ReleaseAtZeroTakesLastReferencePath) {
-  Counted::finalReleases = Counted::deletions = 0;
-  EXPECT_EQ((new Counted)->release(), 0u);
-  EXPECT_EQ(Counted::finalReleases, 1);
-  EXPECT_EQ(Counted::deletions, 1);
+  EXPECT_EQ((new Counted)->release(), 0u);  // a release at zero takes the last-reference path too
+  EXPECT_EQ(Counted::finalReleases, 2);
+  EXPECT_EQ(Counted::deletions, 2);
+  Counted original;
+  original.addRef();
+  EXPECT_EQ(Counted(original).getRefCount(), 0u);  // copies start with their own count
 }
 
 TEST(ObjectTest, ReleaseNoCheckNeverDeletes) {
@@ -59,30 +58,8 @@ TEST(ObjectTest, ReleaseNoCheckNeverDeletes) {
   EXPECT_EQ(component->ReleaseNoCheck(), 0u);
   component->addRef();
   component->addRef();
-  EXPECT_EQ(component->ReleaseNoCheck(), 1u);
-  EXPECT_EQ(component->ReleaseNoCheck(), 0u);
-  EXPECT_EQ(component->ReleaseNoCheck(), 0u);
+  for (unsigned int left : {1u, 0u, 0u}) EXPECT_EQ(component->ReleaseNoCheck(), left);
   component->deleteInstance();
-}
-
-TEST(ObjectTest, CopiesStartWithTheirOwnCount) {
-  Counted original;
-  original.addRef();
-  Counted copy(original);
-  EXPECT_EQ(copy.getRefCount(), 0u);
-}
-
-TEST(ObjectTest, IdentityQueries) {
-  Plain plain;
-  EXPECT_TRUE(plain.isA(quarn::Object::Tag));
-  EXPECT_EQ(plain.findAs(quarn::Object::Tag), &plain);
-  EXPECT_EQ(plain.findAs(quarn::CountedObject::Tag), nullptr);
-  EXPECT_QUARN_THROW_AS(plain.getAs(quarn::CountedObject::Tag), quarn::NotImplementedException,
-                        "Marlix.obj.CountedObject");
-
-  Counted counted;
-  EXPECT_TRUE(counted.isA(quarn::Object::Tag));
-  EXPECT_EQ(counted.findAs(quarn::CountedObject::Tag), static_cast<quarn::CountedObject *>(&counted));
 }
 
 TEST(ObjectTest, ComponentAnswersForEveryBaseWithOneCountedPart) {
@@ -93,14 +70,11 @@ TEST(ObjectTest, ComponentAnswersForEveryBaseWithOneCountedPart) {
   EXPECT_EQ(c->findAs(quarn::DynamicObject::Tag), static_cast<quarn::DynamicObject *>(c));
   EXPECT_EQ(c->findAs(quarn::CountedObject::Tag), static_cast<quarn::CountedObject *>(c));
   EXPECT_EQ(c->as<quarn::iComponent>(), static_cast<quarn::iComponent *>(c));
-  EXPECT_TRUE(c->isA(quarn::Object::Tag));
   // One reference count, whichever base takes the reference.
   static_cast<quarn::iComponent *>(c)->addRef();
   EXPECT_EQ(static_cast<quarn::DynamicObject *>(c)->getRefCount(), 2u);
   static_cast<quarn::iComponent *>(c)->release();
-  EXPECT_EQ(c->getClassTag(), quarn::ComponentObject::Tag);
   EXPECT_EQ(&c->getClass(), &quarn::ComponentObject::m_class);
-  EXPECT_STREQ(quarn::DynamicObject::getRegisteredName(), "Marlix.obj.DynamicObject");
 }
 
 TEST(ObjectTest, RefusalsCarryExactMessages) {
@@ -121,8 +95,6 @@ TEST(ObjectTest, RefusalsCarryExactMessages) {
                      "It is invalid to create an interface instance: Marlix.obj.CountedObject");
   EXPECT_QUARN_THROW(quarn::Class::getClassInstance(quarn::DynamicObject::Tag),
                      "It is invalid to create an interface instance: Marlix.obj.DynamicObject");
-  EXPECT_QUARN_THROW(quarn::Class::getClassInstance(quarn::iComponent::Tag),
-                     "It is invalid to create an interface instance: Marlix.interface.iComponent");
   Component component;
   EXPECT_QUARN_THROW(component.clone(), "It is invalid to clone an interface: Marlix.obj.ComponentObject");
 }
@@ -146,27 +118,20 @@ TEST(ObjectTest, PtrHoldsOneReference) {
   raw->release();
   a.reset();
   EXPECT_EQ(Counted::deletions, 1);
-}
-
-TEST(ObjectTest, ObjPtrHandsObjectBack) {
-  Counted::deletions = 0;
   {
     quarn::ObjPtr<Counted> owned(new Counted);
     quarn::ObjPtr<quarn::Object> moved(std::move(owned));
     EXPECT_FALSE(owned);
     EXPECT_TRUE(moved);
   }
-  EXPECT_EQ(Counted::deletions, 1);
+  EXPECT_EQ(Counted::deletions, 2);  // ObjPtr hands the object back
 }
 
 TEST(AnnotateTest, LibraryExceptionGetsALineAndKeepsItsType) {
-  try {
-    quarn::detail::annotated("IntegerArrayValue", "setIthValue", [] { throw quarn::InvalidIndexException(4, 2); });
-    FAIL();
-  } catch (quarn::InvalidIndexException const &e) {
-    EXPECT_EQ(e.getIndex(), 4);
-    EXPECT_STREQ(e.what(), "Invalid index 4 (last valid index 2)\nIntegerArrayValue::setIthValue: Tessary exception caught");
-  }
+  EXPECT_QUARN_THROW_AS(
+      quarn::detail::annotated("IntegerArrayValue", "setIthValue", [] { throw quarn::InvalidIndexException(4, 2); }),
+      quarn::InvalidIndexException,
+      "Invalid index 4 (last valid index 2)\nIntegerArrayValue::setIthValue: Tessary exception caught");
 }
 
 TEST(AnnotateTest, OtherFailuresBecomeLibraryExceptions) {

@@ -30,12 +30,6 @@ inline std::string readBytes(std::string const &path) {
   return bytes.str();
 }
 
-inline void writeBytes(std::string const &path, std::string const &bytes) {
-  std::ofstream out(path, std::ios::binary | std::ios::trunc);
-  out << bytes;
-  ASSERT_TRUE(out.good()) << path;
-}
-
 inline bool exists(std::string const &path) { return access(path.c_str(), F_OK) == 0; }
 
 inline std::string text(BaseString<char> const &s) { return s.isNull() ? std::string() : std::string(s.getBuffer()); }
@@ -45,9 +39,9 @@ class ScratchClass {
   /// "<prefix><Suite>.<Test>.<pid><suffix>"; the prefix decides which test
   /// component serves the name ("Marlix.testlib.any." is served by an Echo).
   explicit ScratchClass(std::string const &prefix = "Marlix.test.", std::string const &suffix = "") {
-    ::testing::TestInfo const *info = ::testing::UnitTest::GetInstance()->current_test_info();
-    m_name =
-        prefix + clean(info->test_suite_name()) + "." + clean(info->name()) + "." + std::to_string(getpid()) + suffix;
+    auto const *info = ::testing::UnitTest::GetInstance()->current_test_info();
+    m_name = prefix + clean(info->test_suite_name()) + "." + clean(info->name()) + "." + std::to_string(getpid());
+    m_name += suffix;
     removeFiles();
   }
   ~ScratchClass() { removeFiles(); }
@@ -58,14 +52,14 @@ class ScratchClass {
   char const *c_str() const { return m_name.c_str(); }
   /// The path of its registration file in `version` (0: the plain file).
   std::string path(int version = 0) const {
-    std::string path = classesDirectory() + "/" + m_name;
-    if (version > 0) path += "." + std::to_string(version);
-    return path + ".xml";
+    return classesDirectory() + "/" + m_name + (version > 0 ? "." + std::to_string(version) : "") + ".xml";
   }
   /// Writes a registration file by hand.
   void write(std::string const &bytes, int version = 0) const {
     ::mkdir(classesDirectory().c_str(), 0777);  // the folder may not exist yet
-    writeBytes(path(version), bytes);
+    std::ofstream out(path(version), std::ios::binary | std::ios::trunc);
+    out << bytes;
+    ASSERT_TRUE(out.good()) << path(version);
   }
   /// Registers the class to `library` through the library.
   void registerTo(char const *library, bool proxy = false) const {
@@ -85,5 +79,12 @@ class ScratchClass {
 
   std::string m_name;
 };
+
+/// The registration file of `scratch`, read.
+inline CZedClassInfo imported(ScratchClass const &scratch) {
+  CZedClassInfo info;
+  CClassRegistryFile::ImportDataFile(ClassTag(scratch.c_str()), info);
+  return info;
+}
 
 }  // namespace quarn::test

@@ -35,23 +35,23 @@ TEST(ToolTest, RegisterWhichUnregisterRoundTrip) {
   EXPECT_EQ(registered.status, 0) << registered.err;
   EXPECT_EQ(registered.out,
             "Registered " + scratch.name() + " (" + QUARN_TEST_COMPONENTS + ") in " + scratch.path() + "\n");
-  EXPECT_EQ(quarn::test::readBytes(scratch.path()),
-            "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<mxq:class>\n\t<mxq:progid>" + scratch.name() +
-                "</mxq:progid>\n\t<mxq:server>" + QUARN_TEST_COMPONENTS +
-                "</mxq:server>\n\t<mxq:description>From the tool</mxq:description>\n</mxq:class>\n");
+  EXPECT_NE(quarn::test::readBytes(scratch.path()).find("<mxq:description>From the tool</mxq:description>"),
+            std::string::npos);
 
-  Result which = quarnTool({"which", scratch.name()});
-  EXPECT_EQ(which.status, 0);
-  EXPECT_EQ(which.out, std::string(QUARN_TEST_COMPONENTS) + "\n");
-
-  Result unregistered = quarnTool({"unregister", scratch.name()});
-  EXPECT_EQ(unregistered.status, 0);
-  EXPECT_EQ(unregistered.out, "Unregistered " + scratch.name() + " (removed " + scratch.path() + ")\n");
-
-  Result again = quarnTool({"which", scratch.name()});
-  EXPECT_EQ(again.status, 1);
-  EXPECT_EQ(again.out, "");
-  EXPECT_EQ(again.err, "quarn which: " + scratch.name() + " is not registered\n");
+  struct Step {
+    std::vector<std::string> args;
+    int status;
+    std::string out, err;
+  } const steps[] = {
+      {{"which", scratch.name()}, 0, std::string(QUARN_TEST_COMPONENTS) + "\n", ""},
+      {{"unregister", scratch.name()}, 0, "Unregistered " + scratch.name() + " (removed " + scratch.path() + ")\n", ""},
+      {{"which", scratch.name()}, 1, "", "quarn which: " + scratch.name() + " is not registered\n"}};
+  for (Step const &s : steps) {
+    Result result = quarnTool(s.args);
+    EXPECT_EQ(result.status, s.status);
+    EXPECT_EQ(result.out, s.out);
+    EXPECT_EQ(result.err, s.err);
+  }
 }
 
 TEST(ToolTest, RegisterMakesTheLibraryPathAbsoluteAndMarksProxies) {
@@ -64,39 +64,27 @@ TEST(ToolTest, RegisterMakesTheLibraryPathAbsoluteAndMarksProxies) {
   Result result = quarnTool({"register", "--proxy", scratch.name(), "--description=x", relative});
   std::filesystem::current_path(cwd);
   ASSERT_EQ(result.status, 0) << result.err;
-  quarn::CZedClassInfo info;
-  quarn::CClassRegistryFile::ImportDataFile(quarn::ClassTag(scratch.c_str()), info);
-  EXPECT_EQ(info, quarn::CZedClassInfo(scratch.c_str(), "x", library.c_str(), true));
+  EXPECT_EQ(quarn::test::imported(scratch), quarn::CZedClassInfo(scratch.c_str(), "x", library.c_str(), true));
 }
 
-TEST(ToolTest, ClassesListsEachRegisteredClassOnceWithItsLibrary) {
+TEST(ToolTest, ClassesListsEachRegisteredClassOnceWithItsLibraryAndReportsUnreadableFiles) {
   ScratchClass plain("Marlix.test.", ".plain"), versioned("Marlix.test.", ".versioned"),
-      mislabelled("Marlix.test.", ".mislabelled");
+      mislabelled("Marlix.test.", ".mislabelled"), bad("Marlix.test.", ".bad");
   quarnTool({"register", plain.name(), QUARN_TEST_COMPONENTS});
-  versioned.write(
-      "<mxq:class><mxq:progid>" + versioned.name() + "</mxq:progid><mxq:server>/one</mxq:server></mxq:class>", 1);
-  versioned.write(
-      "<mxq:class><mxq:progid>" + versioned.name() + "</mxq:progid><mxq:server proxy='1'>/two</mxq:server></mxq:class>",
-      2);
+  std::string const progid = "<mxq:class><mxq:progid>" + versioned.name() + "</mxq:progid>";
+  versioned.write(progid + "<mxq:server>/one</mxq:server></mxq:class>", 1);
+  versioned.write(progid + "<mxq:server proxy='1'>/two</mxq:server></mxq:class>", 2);
   mislabelled.write(
       "<mxq:class><mxq:progid>Marlix.test.SomethingElse</mxq:progid><mxq:server>/x</mxq:server></mxq:class>");
-
+  bad.write("<mxq:class>");
   // Other tests may be writing bad files into the same folder meanwhile, so
-  // the exit status and error lines are not this test's to check.
+  // only this test's own lines are checked.
   Result result = quarnTool({"classes"});
+  EXPECT_EQ(result.status, 1);
   EXPECT_NE(result.out.find(plain.name() + "\t" + QUARN_TEST_COMPONENTS + "\n"), std::string::npos) << result.out;
   EXPECT_NE(result.out.find(versioned.name() + "\t/two\tproxy\n"), std::string::npos) << result.out;
   EXPECT_EQ(result.out.find(versioned.name() + ".1"), std::string::npos) << result.out;
   EXPECT_EQ(result.out.find(mislabelled.name()), std::string::npos) << result.out;
-}
-
-TEST(ToolTest, ClassesReportsAnUnreadableFileAndListsTheRest) {
-  ScratchClass bad("Marlix.test.", ".bad"), good("Marlix.test.", ".good");
-  bad.write("<mxq:class>");
-  quarnTool({"register", good.name(), QUARN_TEST_COMPONENTS});
-  Result result = quarnTool({"classes"});
-  EXPECT_EQ(result.status, 1);
-  EXPECT_NE(result.out.find(good.name() + "\t"), std::string::npos);
   EXPECT_NE(result.err.find("quarn classes: Registration file " + bad.path() + " of class " + bad.name() +
                             " is not valid XML: no element found at line 1, column 11.\n"),
             std::string::npos)

@@ -25,17 +25,16 @@ bool freeForOthers(quarn::Lockable &lock) {
 TEST(CriticalSectionTest, GuardMakesUpdatesExclusive) {
   AutoCriticalSection lock;
   long total = 0;  // plain: only the guard protects it
-  std::vector<std::thread> threads;
-  for (int t = 0; t < 4; ++t) {
-    threads.emplace_back([&] {
-      for (int i = 0; i < 20000; ++i) {
-        Guard outer(lock);
-        Guard inner(lock);  // re-entrant
-        ++total;
-      }
-    });
-  }
-  for (auto &t : threads) t.join();
+  {
+    std::vector<std::jthread> threads;
+    for (int t = 0; t < 4; ++t)
+      threads.emplace_back([&] {
+        for (int i = 0; i < 20000; ++i) {
+          Guard outer(lock), inner(lock);  // re-entrant
+          ++total;
+        }
+      });
+  }  // joined
   EXPECT_EQ(total, 80000);
 }
 

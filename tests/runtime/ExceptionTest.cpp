@@ -2,7 +2,6 @@
 #include <quarnCore/Exception.h>
 
 #include <string>
-#include <type_traits>
 
 #include <gtest/gtest.h>
 
@@ -12,11 +11,6 @@ namespace {
 
 using quarn::Exception;
 using Wide = quarn::BaseString<unsigned short>;
-
-static_assert(std::is_base_of_v<std::exception, Exception>);
-static_assert(std::is_base_of_v<Exception, quarn::InvalidIndexException>);
-static_assert(std::is_base_of_v<Exception, quarn::NotImplementedException>);
-static_assert(std::is_base_of_v<Exception, quarn::MemoryException>);
 
 TEST(ExceptionTest, FormatsPrintfConversionsAndTextExtensions) {
   unsigned short const wide[] = {'w', 'i', 'd', 'e', 0};
@@ -35,32 +29,26 @@ TEST(ExceptionTest, FormatsPrintfConversionsAndTextExtensions) {
   for (auto const &c : cases) EXPECT_STREQ(c.e.what(), c.message);
 }
 
-TEST(ExceptionTest, WhatIsTheUtf8OfTheMessage) {
+TEST(ExceptionTest, WhatIsTheUtf8OfTheMessageAndAnnotationsAppendLines) {
   unsigned short const text[] = {0xE9, 0x20AC, 0xD83D, 0xDE00, 0};
   Exception e("%ls|%hs", text, "\xE9");
   EXPECT_STREQ(e.what(), "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80|\xC3\xA9");
   unsigned short const expected[] = {0xE9, 0x20AC, 0xD83D, 0xDE00, '|', 0xE9, 0};
   EXPECT_EQ(e.getMessage(), Wide(expected));
-}
-
-TEST(ExceptionTest, AnnotationsAppendLines) {
-  Exception e("Cannot read %hs", "a.xml");
-  e.annotate(Wide("while loading 'b'"));
-  e.annotateFormat("at line %d", 12);
-  EXPECT_STREQ(e.what(), "Cannot read a.xml\nwhile loading 'b'\nat line 12");
-  EXPECT_EQ(e.getMessage(), Wide("Cannot read a.xml\nwhile loading 'b'\nat line 12"));
-  Exception copy(e);
-  EXPECT_STREQ(copy.what(), e.what());
+  Exception annotated("Cannot read %hs", "a.xml");  // annotations append lines
+  annotated.annotate(Wide("while loading 'b'"));
+  annotated.annotateFormat("at line %d", 12);
+  EXPECT_EQ(annotated.getMessage(), Wide("Cannot read a.xml\nwhile loading 'b'\nat line 12"));
+  EXPECT_STREQ(Exception(annotated).what(), "Cannot read a.xml\nwhile loading 'b'\nat line 12");
 }
 
 TEST(ExceptionTest, SubclassesCarryTheirDetailsAndCatchAsException) {
   try {
     throw quarn::InvalidIndexException(5, -1);
   } catch (Exception const &e) {
-    auto const *index = dynamic_cast<quarn::InvalidIndexException const *>(&e);
-    ASSERT_NE(index, nullptr);
-    EXPECT_EQ(index->getIndex(), 5);
-    EXPECT_EQ(index->getLastValidIndex(), -1);
+    auto const &index = dynamic_cast<quarn::InvalidIndexException const &>(e);
+    EXPECT_EQ(index.getIndex(), 5);
+    EXPECT_EQ(index.getLastValidIndex(), -1);
     EXPECT_STREQ(e.what(), "Invalid index 5 (last valid index -1)");
   }
   EXPECT_QUARN_THROW_AS(throw quarn::NotImplementedException("getArray of a node"), quarn::NotImplementedException,

@@ -29,13 +29,11 @@
 #include <gtest/gtest.h>
 
 #include <climits>
-#include <cstdlib>
-#include <string>
 #include <initializer_list>
 #include <limits>
-#include <string_view>
 #include <vector>
 
+#include "value/GoldenBytes.h"
 #include "value/ValueTesting.h"
 
 namespace quarn::test {
@@ -63,29 +61,12 @@ struct CollectingOutputStream final : iByteOutputStream {
   Bytes bytes;
 };
 
-/// "08 01 00" -> {0x08, 0x01, 0x00}.
-inline Bytes bytesOf(std::string_view hexText) {
-  Bytes out;
-  for (std::size_t i = 0; i + 1 < hexText.size(); ++i) {
-    if (hexText[i] == ' ') continue;
-    out.push_back(static_cast<unsigned char>(std::stoul(std::string(hexText.substr(i, 2)), nullptr, 16)));
-    ++i;
-  }
-  return out;
-}
-
-/// `value` serialises to exactly `hexText`, which reads back (at every chunk size) to an equal value.
+/// `value` serialises to exactly `hexText`, which reads back (at every chunk size and from memory) to an equal value.
 template <class A>
-void expectPayload(A const &value, std::string_view hexText, int version = 2) {
-  Bytes const bytes = bytesOf(hexText);
-  EXPECT_EQ(serialise(value, version), bytes) << hexText;
-  for (int chunk : kChunkSizes) {
-    ChunkedInputStream in(bytes, chunk, version);
-    A read;
-    read.deserialize(in);
-    EXPECT_EQ(read.compare(value), 0) << hexText << ", chunk " << chunk;
-    EXPECT_TRUE(in.atEnd());
-  }
+void expectPayload(A const &value, char const *hexText, int version = 2) {
+  Bytes const bytes = golden(hexText);
+  EXPECT_EQ(hexOf(serialise(value, version)), hexOf(bytes));
+  readEach<A>(bytes, version, [&](A const &read) { EXPECT_EQ(read.compare(value), 0) << hexText; });
   MemoryInputStream memory(bytes.data(), static_cast<unsigned int>(bytes.size()), version);
   A read;
   read.deserialize(memory);

@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <climits>
-#include <functional>
 #include <limits>
 #include <vector>
 
@@ -17,32 +16,6 @@
 namespace quarn::test {
 namespace {
 
-using Make = std::function<Value *()>;
-
-/// A pooled copy of `value`, made when the row runs.
-template <class T>
-Make make(T const &value) {
-  return [value] { return static_cast<Value *>(T::allocateCopy(value)); };
-}
-
-// Each row converts `from` into a value of the class of `expected`, which
-// first holds `before`, and compares the result with `expected`.
-struct Case {
-  Make from, before, expected;
-};
-
-void check(std::vector<Case> const &cases) {
-  for (std::size_t k = 0; k < cases.size(); ++k) {
-    ObjPtr<Value> from(cases[k].from()), target(cases[k].before()), expected(cases[k].expected());
-    ASSERT_EQ(target->getClassTag(), expected->getClassTag()) << "row " << k;
-    EXPECT_TRUE(from->canAssignTo(target->getClassTag())) << "row " << k;
-    from->assignTo(*target);
-    WString dumped;
-    target->dump(dumped, 0);
-    EXPECT_EQ(target->compare(*expected), 0) << "row " << k << ": " << utf8(dumped);
-  }
-}
-
 using IA = IntegerArrayValue;
 using DA = DoubleArrayValue;
 using SA = StringArrayValue;
@@ -50,7 +23,7 @@ using BA = BooleanArrayValue;
 using YA = ByteArrayValue;
 
 TEST(ArrayConversionTest, AScalarBecomesAOneElementArrayThroughTheGetterOfTheArraysKind) {
-  check({
+  expectConversions({
       {make(IntegerValue(-5)), make(arrayOf<IA>({7, 8})), make(arrayOf<IA>({-5}))},
       {make(DoubleValue(2.9)), make(IA()), make(arrayOf<IA>({2}))},
       {make(StringValue(" 12 ")), make(IA()), make(arrayOf<IA>({12}))},  // one element, not a list
@@ -65,7 +38,7 @@ TEST(ArrayConversionTest, AScalarBecomesAOneElementArrayThroughTheGetterOfTheArr
 }
 
 TEST(ArrayConversionTest, AnArrayBecomesAScalarThroughItsFirstElement) {
-  check({
+  expectConversions({
       {make(arrayOf<IA>({3, 4})), make(IntegerValue(1)), make(IntegerValue(3))},
       {make(arrayOf<IA>({3, 4})), make(StringValue("x")), make(StringValue("3"))},
       {make(arrayOf<DA>({0.0, 1.0})), make(BooleanValue(true)), make(BooleanValue(false))},
@@ -84,7 +57,7 @@ TEST(ArrayConversionTest, AnEmptyArrayHasNoScalarAndLeavesTheTargetAsItWas) {
 
 TEST(ArrayConversionTest, ArraysConvertElementByElementIntoEveryOtherArrayClass) {
   double const nan = std::numeric_limits<double>::quiet_NaN();
-  check({
+  expectConversions({
       {make(arrayOf<IA>({1, 300, -1})), make(YA()), make(arrayOf<YA>({1, 44, 255}))},
       {make(arrayOf<YA>({200, 0})), make(IA()), make(arrayOf<IA>({200, 0}))},
       {make(arrayOf<DA>({2.9, nan})), make(IA()), make(arrayOf<IA>({2, INT_MIN}))},
@@ -107,7 +80,7 @@ TEST(ArrayConversionTest, AFailedElementConversionLeavesTheTargetAsItWas) {
 
 TEST(ArrayConversionTest, NullAndMissingValuesEmptyEveryArray) {
   for (Make const &from : {make(NullValue()), make(MissingValue())}) {
-    check({
+    expectConversions({
         {from, make(arrayOf<IA>({1})), make(IA())},
         {from, make(textsOf({u"a"})), make(SA())},
         {from, make(arrayOf<YA>({1})), make(YA())},

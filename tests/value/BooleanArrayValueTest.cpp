@@ -23,7 +23,7 @@ TEST(BooleanArrayValueTest, HashesAsTheBytesZeroAndOne) {
 
 TEST(BooleanArrayValueTest, PayloadIsTheCountThenOneByteEachAndAnyNonZeroByteReadsTrue) {
   expectPayload(arrayOf<BooleanArrayValue>({true, false}), "08 01 00");
-  for (Bytes const &bytes : {bytesOf("08 02 00"), bytesOf("08 FF 00")}) {
+  for (Bytes const &bytes : {golden("08 02 00"), golden("08 FF 00")}) {
     MemoryInputStream memory(bytes.data(), 3);
     ChunkedInputStream chunked(bytes, 1);
     BooleanArrayValue fromMemory, fromChunks;
@@ -31,7 +31,7 @@ TEST(BooleanArrayValueTest, PayloadIsTheCountThenOneByteEachAndAnyNonZeroByteRea
     fromChunks.deserialize(chunked);
     EXPECT_EQ(fromMemory.compare(arrayOf<BooleanArrayValue>({true, false})), 0);
     EXPECT_EQ(fromChunks.compare(fromMemory), 0);
-    EXPECT_EQ(serialise(fromMemory), bytesOf("08 01 00"));
+    EXPECT_EQ(serialise(fromMemory), golden("08 01 00"));
   }
 }
 

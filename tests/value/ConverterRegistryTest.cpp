@@ -4,7 +4,6 @@
 #include <quarn/value/ConverterRegistry.h>
 #include <quarn/value/DoubleValue.h>
 #include <quarn/value/IntegerValue.h>
-#include <quarn/value/MissingValue.h>
 #include <quarn/value/NullValue.h>
 #include <quarn/value/StringValue.h>
 #include <quarn/value/ValueTypeConverter.h>
@@ -113,17 +112,6 @@ TEST(ConverterRegistryTest, ConcurrentRegistrationsAndFirstLookupsAreSafe) {
   }
   for (auto &thread : threads) thread.join();
   EXPECT_EQ(registry.getCount(), 200u);
-}
-
-TEST(ConverterRegistryTest, TheProcessRegistryHoldsTheScalarAndNullConverters) {
-  ConverterRegistry *registry = ConverterRegistry::process();
-  ASSERT_NE(registry, nullptr);
-  ClassTag const scalars[] = {IntegerValue::Tag, DoubleValue::Tag, BooleanValue::Tag, StringValue::Tag};
-  ClassTag const sources[] = {IntegerValue::Tag, DoubleValue::Tag, BooleanValue::Tag,
-                              StringValue::Tag,  NullValue::Tag,   MissingValue::Tag};
-  for (ClassTag const &from : sources)
-    for (ClassTag const &to : scalars)
-      EXPECT_NE(registry->find(from, to), nullptr) << from.getName() << " -> " << to.getName();
 }
 
 TEST(ConverterRegistryTest, SameClassAssignmentNeverConsultsTheRegistry) {

@@ -11,8 +11,6 @@
 #include <quarn/value/StringArrayValue.h>
 #include <quarn/value/StringValue.h>
 
-#include <initializer_list>
-
 #include "support/ExpectThrow.h"
 #include "value/GoldenBytes.h"
 #include "value/ValueArrayContracts.h"
@@ -78,7 +76,6 @@ TEST(FlexArrayValueTest, ElementsConvertByTheirOwnKindAndItemsAreFlexValues) {
   EXPECT_EQ(ints[2], 3);
   EXPECT_EQ(str(texts[1]), u"2");
   EXPECT_EQ(a.getIthDouble(2), 3.5);
-  EXPECT_EQ(a.getItemValueType(), FlexValue::Tag);
 
   ObjPtr<Value> item;
   a.getIthValue(1, item);
@@ -179,38 +176,22 @@ TEST(FlexArrayValueTest, ReturningToThePoolDropsTheElementsAndLargeBuffers) {
 }
 
 TEST(FlexArrayValueTest, ConvertsWithTypedArraysScalarsAndFlexValues) {
-  int const ints[] = {1, 2};
-  unsigned char const byte = 200;
-  FlexArrayValue a;
-  IntegerArrayValue(ints, 2).assignTo(a);
-  EXPECT_EQ(codesOf(a), std::vector<Code>(2, Code::IntType));
-  ByteArrayValue(&byte, 1).assignTo(a);
-  EXPECT_EQ(codesOf(a), std::vector<Code>{Code::ByteType});
-  IntegerValue(5).assignTo(a);
-  EXPECT_EQ(a.getIthInteger(0), 5);
-  FlexValue("x").assignTo(a);
-  EXPECT_EQ(codesOf(a), std::vector<Code>{Code::CStringType});
-  NullValue().assignTo(a);
-  EXPECT_EQ(a.getSize(), 0u);
-
-  FlexArrayValue mixed = flexesOf({FlexValue(1), FlexValue(u16(u"2")), FlexValue(3.5)});
-  IntegerArrayValue asInts;
-  DoubleArrayValue asDoubles;
-  StringArrayValue asTexts;
-  mixed.assignTo(asInts);
-  mixed.assignTo(asDoubles);
-  mixed.assignTo(asTexts);
-  EXPECT_EQ(asInts[2], 3);
-  EXPECT_EQ(asDoubles[2], 3.5);
-  EXPECT_EQ(str(asTexts[1]), u"2");
-  IntegerValue first;
-  mixed.assignTo(first);
-  EXPECT_EQ(first.getInteger(), 1);
-  FlexValue element;
-  mixed.assignTo(element);
-  EXPECT_EQ(element.getStorageType(), Code::IntType);
-  FlexArrayValue().assignTo(element);
-  EXPECT_TRUE(element.isNull());
+  Make const before = make(flexesOf({FlexValue(9), FlexValue(8)}));
+  Make const mixed = make(flexesOf({FlexValue(1), FlexValue(u16(u"2")), FlexValue(3.5)}));
+  expectConversions({
+      {make(arrayOf<IntegerArrayValue>({1, 2})), before, make(flexesOf({FlexValue(1), FlexValue(2)}))},
+      {make(arrayOf<ByteArrayValue>({200})), before, make(flexesOf({FlexValue(static_cast<unsigned char>(200))}))},
+      {make(IntegerValue(5)), before, make(flexesOf({FlexValue(5)}))},
+      {make(FlexValue("x")), before, make(flexesOf({FlexValue("x")}))},
+      {make(NullValue()), before, make(FlexArrayValue())},
+      {mixed, make(IntegerArrayValue()), make(arrayOf<IntegerArrayValue>({1, 2, 3}))},
+      {mixed, make(DoubleArrayValue()), make(arrayOf<DoubleArrayValue>({1.0, 2.0, 3.5}))},
+      {mixed, make(StringArrayValue()), make(textsOf({u"1", u"2", u"3.5"}))},
+      {mixed, make(IntegerValue()), make(IntegerValue(1))},
+      {mixed, make(FlexValue(u16(u"x"))), make(FlexValue(1))},
+      {make(FlexArrayValue()), make(FlexValue(1)), make(FlexValue())},
+  });
+  IntegerValue first(1);
   EXPECT_QUARN_THROW_AS(FlexArrayValue().assignTo(first), InvalidIndexException,
                         "Invalid index 0 (last valid index -1)");
   EXPECT_EQ(first.getInteger(), 1);

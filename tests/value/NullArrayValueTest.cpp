@@ -78,7 +78,6 @@ TEST(NullArrayValueTest, ElementsAnswerAsNullValuesDo) {
   ObjPtr<Value> item;
   a.getIthValue(0, item);
   EXPECT_EQ(item->getClassTag(), NullValue::Tag);
-  EXPECT_EQ(a.getItemValueType(), NullValue::Tag);
   IntegerValue target(5);
   a.getIthValue(0, target);
   EXPECT_EQ(target.getInteger(), 0);
@@ -107,18 +106,12 @@ TEST(NullArrayValueTest, AddsOneNullPerScalarAndOnePerItemOfAnArray) {
 }
 
 TEST(NullArrayValueTest, ConvertsWithNullsAndValueArrays) {
-  NullArrayValue a = nullsOf(3);
-  NullValue().assignTo(a);
-  EXPECT_EQ(a.getSize(), 0u);
-  a = nullsOf(3);
-  MissingValue().assignTo(a);
-  EXPECT_EQ(a.getSize(), 0u);
-  valuesOf(IntegerValue(1), StringValue("s")).assignTo(a);
-  EXPECT_EQ(a.getSize(), 2u);
-  ValueArrayValue values;
-  nullsOf(4).assignTo(values);
-  ASSERT_EQ(values.getSize(), 4u);
-  EXPECT_EQ(values[3].getClassTag(), NullValue::Tag);
+  expectConversions({
+      {make(NullValue()), make(nullsOf(3)), make(nullsOf(0))},
+      {make(MissingValue()), make(nullsOf(3)), make(nullsOf(0))},
+      {make(valuesOf(IntegerValue(1), StringValue("s"))), make(nullsOf(3)), make(nullsOf(2))},
+      {make(nullsOf(4)), make(ValueArrayValue()), make(valuesOf(NullValue(), NullValue(), NullValue(), NullValue()))},
+  });
 }
 
 }  // namespace

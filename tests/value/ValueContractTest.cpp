@@ -34,21 +34,23 @@ struct Contract;
 
 // Each Contract names the class's array class, lists sample values, and says
 // whether a value survives a byte stream whole and whether its XML text
-// promises to read back to an equal value.
+// promises to read back to an equal value (by default: both).
+struct ScalarContract {
+  static constexpr bool streamKeepsAll = true;
+  static bool xmlRoundTrips(Value const &) { return true; }
+};
 
 template <>
-struct Contract<IntegerValue> {
+struct Contract<IntegerValue> : ScalarContract {
   static constexpr char const arrayClass[] = "Marlix.value.IntegerArrayValue";
   static std::vector<IntegerValue> samples() {
     return {IntegerValue(0),    IntegerValue(7),     IntegerValue(-16),     IntegerValue(16),
             IntegerValue(-129), IntegerValue(40000), IntegerValue(INT_MIN), IntegerValue(INT_MAX)};
   }
-  static constexpr bool streamKeepsAll = true;
-  static bool xmlRoundTrips(IntegerValue const &) { return true; }
 };
 
 template <>
-struct Contract<DoubleValue> {
+struct Contract<DoubleValue> : ScalarContract {
   static constexpr char const arrayClass[] = "Marlix.value.DoubleArrayValue";
   // No NaN (it equals nothing) and no -0.0 (equal to 0.0 but hashed apart):
   // DoubleValueTest covers both.
@@ -57,20 +59,16 @@ struct Contract<DoubleValue> {
     return {DoubleValue(0.0),   DoubleValue(1.0),    DoubleValue(0.5), DoubleValue(-2.75), DoubleValue(0.1),
             DoubleValue(1e300), DoubleValue(5e-324), DoubleValue(inf), DoubleValue(-inf),  DoubleValue(-1e-7)};
   }
-  static constexpr bool streamKeepsAll = true;
-  static bool xmlRoundTrips(DoubleValue const &) { return true; }
 };
 
 template <>
-struct Contract<BooleanValue> {
+struct Contract<BooleanValue> : ScalarContract {
   static constexpr char const arrayClass[] = "Marlix.value.BooleanArrayValue";
   static std::vector<BooleanValue> samples() { return {BooleanValue(false), BooleanValue(true)}; }
-  static constexpr bool streamKeepsAll = true;
-  static bool xmlRoundTrips(BooleanValue const &) { return true; }
 };
 
 template <>
-struct Contract<StringValue> {
+struct Contract<StringValue> : ScalarContract {
   static constexpr char const arrayClass[] = "Marlix.value.StringArrayValue";
   static std::vector<StringValue> samples() {
     std::vector<StringValue> s(8);
@@ -83,7 +81,6 @@ struct Contract<StringValue> {
     s[7] = u16(u"line\nbreak\ttab");
     return s;  // s[0] stays null
   }
-  static constexpr bool streamKeepsAll = true;
   // Entities written by getXMLText are not undone when read back.
   static bool xmlRoundTrips(StringValue const &v) {
     for (char16_t c : str(v.getString()))
@@ -93,10 +90,9 @@ struct Contract<StringValue> {
 };
 
 template <>
-struct Contract<NullValue> {
+struct Contract<NullValue> : ScalarContract {
   static constexpr char const arrayClass[] = "Marlix.value.NullArrayValue";
   static std::vector<NullValue> samples() { return std::vector<NullValue>(1); }
-  static constexpr bool streamKeepsAll = true;
   static bool xmlRoundTrips(NullValue const &) { return false; }
 };
 

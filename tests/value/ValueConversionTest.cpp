@@ -8,9 +8,7 @@
 #include <quarn/value/NullValue.h>
 #include <quarn/value/StringValue.h>
 
-#include <functional>
-#include <memory>
-#include <vector>
+#include <string_view>
 
 #include "support/ExpectThrow.h"
 #include "value/ValueTesting.h"
@@ -18,79 +16,40 @@
 namespace quarn::test {
 namespace {
 
-using Make = std::function<Value *()>;
-
-template <class T, class... Args>
-Make make(Args... args) {
-  return [=] {
-    T *v = T::newInstance();
-    *v = T(args...);
-    return static_cast<Value *>(v);
-  };
-}
-
-Make text(char const *s) {
-  return [=] {
-    StringValue *v = StringValue::newInstance();
-    *v = s;
-    return static_cast<Value *>(v);
-  };
-}
-
-// Each row converts `from` into a value of the class of `expected`, which
-// first holds `before`, and compares the result with `expected`.
-struct Case {
-  Make from, before, expected;
-};
-
-void check(std::vector<Case> const &cases) {
-  for (std::size_t k = 0; k < cases.size(); ++k) {
-    ObjPtr<Value> from(cases[k].from()), target(cases[k].before()), expected(cases[k].expected());
-    ASSERT_EQ(target->getClassTag(), expected->getClassTag());
-    EXPECT_TRUE(from->canAssignTo(target->getClassTag())) << "row " << k;
-    from->assignTo(*target);
-    EXPECT_EQ(target->compare(*expected), 0) << "row " << k << ": " << utf8([&] {
-      WString s;
-      target->dump(s, 1);
-      return s;
-    }());
-  }
+MissingValue missing(std::u16string_view why) {
+  MissingValue m;
+  m.setMissingString(u16(why));
+  return m;
 }
 
 TEST(ValueConversionTest, EachScalarConvertsIntoEachScalarThroughTheTargetsGetter) {
-  check({
-      {make<IntegerValue>(-5), make<IntegerValue>(1), make<IntegerValue>(-5)},
-      {make<IntegerValue>(-5), make<DoubleValue>(1.0), make<DoubleValue>(-5.0)},
-      {make<IntegerValue>(-5), make<BooleanValue>(false), make<BooleanValue>(true)},
-      {make<IntegerValue>(-5), text("x"), text("-5")},
-      {make<DoubleValue>(-2.9), make<IntegerValue>(1), make<IntegerValue>(-2)},
-      {make<DoubleValue>(-2.9), make<DoubleValue>(1.0), make<DoubleValue>(-2.9)},
-      {make<DoubleValue>(-0.0), make<BooleanValue>(true), make<BooleanValue>(false)},
-      {make<DoubleValue>(0.1), text("x"), text("0.1")},
-      {make<BooleanValue>(true), make<IntegerValue>(7), make<IntegerValue>(1)},
-      {make<BooleanValue>(true), make<DoubleValue>(7.0), make<DoubleValue>(1.0)},
-      {make<BooleanValue>(true), make<BooleanValue>(false), make<BooleanValue>(true)},
-      {make<BooleanValue>(false), text("x"), text("false")},
-      {text(" 12 "), make<IntegerValue>(1), make<IntegerValue>(12)},
-      {text("1e3"), make<DoubleValue>(1.0), make<DoubleValue>(1000.0)},
-      {text("off"), make<BooleanValue>(true), make<BooleanValue>(false)},
-      {text("abc"), text("x"), text("abc")},
+  expectConversions({
+      {make(IntegerValue(-5)), make(IntegerValue(1)), make(IntegerValue(-5))},
+      {make(IntegerValue(-5)), make(DoubleValue(1.0)), make(DoubleValue(-5.0))},
+      {make(IntegerValue(-5)), make(BooleanValue(false)), make(BooleanValue(true))},
+      {make(IntegerValue(-5)), make(StringValue("x")), make(StringValue("-5"))},
+      {make(DoubleValue(-2.9)), make(IntegerValue(1)), make(IntegerValue(-2))},
+      {make(DoubleValue(-2.9)), make(DoubleValue(1.0)), make(DoubleValue(-2.9))},
+      {make(DoubleValue(-0.0)), make(BooleanValue(true)), make(BooleanValue(false))},
+      {make(DoubleValue(0.1)), make(StringValue("x")), make(StringValue("0.1"))},
+      {make(BooleanValue(true)), make(IntegerValue(7)), make(IntegerValue(1))},
+      {make(BooleanValue(true)), make(DoubleValue(7.0)), make(DoubleValue(1.0))},
+      {make(BooleanValue(true)), make(BooleanValue(false)), make(BooleanValue(true))},
+      {make(BooleanValue(false)), make(StringValue("x")), make(StringValue("false"))},
+      {make(StringValue(" 12 ")), make(IntegerValue(1)), make(IntegerValue(12))},
+      {make(StringValue("1e3")), make(DoubleValue(1.0)), make(DoubleValue(1000.0))},
+      {make(StringValue("off")), make(BooleanValue(true)), make(BooleanValue(false))},
+      {make(StringValue("abc")), make(StringValue("x")), make(StringValue("abc"))},
   });
 }
 
 TEST(ValueConversionTest, NullAndMissingClearTheTarget) {
-  auto missing = [] {
-    MissingValue *m = MissingValue::newInstance();
-    m->setMissingString(u16(u"why"));
-    return static_cast<Value *>(m);
-  };
-  Make null = [] { return static_cast<Value *>(NullValue::newInstance()); };
-  for (Make const &from : {null, Make(missing)}) {
-    check({
-        {from, make<IntegerValue>(9), make<IntegerValue>(0)},
-        {from, make<DoubleValue>(9.5), make<DoubleValue>(0.0)},
-        {from, make<BooleanValue>(true), make<BooleanValue>(false)},
-        {from, text("abc"), text("")},
+  for (Make const &from : {make(NullValue()), make(missing(u"why"))}) {
+    expectConversions({
+        {from, make(IntegerValue(9)), make(IntegerValue(0))},
+        {from, make(DoubleValue(9.5)), make(DoubleValue(0.0))},
+        {from, make(BooleanValue(true)), make(BooleanValue(false))},
+        {from, make(StringValue("abc")), make(StringValue(""))},
     });
   }
   StringValue nullText;
@@ -98,18 +57,15 @@ TEST(ValueConversionTest, NullAndMissingClearTheTarget) {
   EXPECT_TRUE(nullText.getString().isNull());  // cleared: a null text stays null
 }
 
-TEST(ValueConversionTest, FailedConversionLeavesTheTargetAsItWas) {
+TEST(ValueConversionTest, RefusedConversionsLeaveTheTargetAsItWasAndNothingConvertsIntoTheNullValues) {
   IntegerValue target(4);
   EXPECT_QUARN_THROW(StringValue("4x").assignTo(target), "Cannot convert '4x' to an integer");
   EXPECT_EQ(target.getInteger(), 4);
-}
-
-TEST(ValueConversionTest, NothingConvertsIntoTheNullValues) {
   NullValue null;
-  MissingValue missing;
+  MissingValue absent;
   EXPECT_QUARN_THROW(StringValue("x").assignTo(null),
                      "Could not convert from Marlix.value.StringValue to Marlix.value.NullValue");
-  EXPECT_QUARN_THROW(null.assignTo(missing),
+  EXPECT_QUARN_THROW(null.assignTo(absent),
                      "Could not convert from Marlix.value.NullValue to Marlix.value.MissingValue");
   EXPECT_FALSE(IntegerValue(1).canAssignTo(MissingValue::Tag));
 }

@@ -74,12 +74,6 @@ TEST(ValueTest, DumpSaysUndefinedWhenNoTextIsFound) {
   EXPECT_EQ(str(out), u"undefined");
 }
 
-TEST(ValueTest, DumpOfAnIntegerShowsItsClassNameOnRequest) {
-  WString out;
-  IntegerValue(42).dump(out, 1);
-  EXPECT_EQ(str(out), u"Marlix.value.IntegerValue:42");
-}
-
 TEST(ValueTest, SetFromXMLTextFailureGivesTheTextBackUntouched) {
   IntegerValue value(5);
   WString text = u16(u"12x");
@@ -115,44 +109,37 @@ struct Slots : Value {
 
 TEST(ValueTest, VirtualOperationsKeepTheirSlotOrder) {
   using V = Value;
-  struct Case {
-    std::size_t entry;
-    std::size_t expected;
-  } const cases[] = {
-      {entryOf(&V::getClassTag), 0},
-      {entryOf(&V::hash), 4},
-      {entryOf(&V::clone), 5},
-      {entryOf(&V::getClass), 6},
-      {entryOf(&V::serialize), 7},
-      {entryOf(&V::deserialize), 8},
-      {entryOf(&V::deleteInstance), 9},
-      {Slots::seek(), 12},
-      {entryOf(&V::getSize), 13},
-      {entryOf(&V::getInteger), 14},
-      {entryOf(&V::getBoolean), 15},
-      {entryOf(&V::getDouble), 16},
-      {entryOf(static_cast<void (V::*)(WString &) const>(&V::getString)), 17},
-      {entryOf(static_cast<void (V::*)(Array<WString> &) const>(&V::getArray)), 18},
-      {entryOf(static_cast<void (V::*)(Array<double> &) const>(&V::getArray)), 19},
-      {entryOf(static_cast<void (V::*)(Array<int> &) const>(&V::getArray)), 20},
-      {entryOf(static_cast<void (V::*)(Array<bool> &) const>(&V::getArray)), 21},
-      {entryOf(&V::dump), 22},
-      {Slots::add(), 23},
-      {Slots::remove(), 24},
-      {entryOf(&V::getItemValueType), 25},
-      {entryOf(&V::getArrayValueType), 26},
-      {entryOf(&V::cloneValue), 27},
-      {entryOf(&V::assignToSameClass), 28},
-      {entryOf(&V::findDouble), 29},
-      {entryOf(&V::findInteger), 30},
-      {entryOf(&V::findBoolean), 31},
-      {entryOf(&V::findString), 32},
-      {entryOf(&V::compare), 33},
-      {entryOf(&V::getXMLText), 34},
-      {entryOf(&V::setFromXMLText), 35},
-      {entryOf(&V::clear), 36},
-  };
-  for (std::size_t k = 0; k < std::size(cases); ++k) EXPECT_EQ(cases[k].entry, cases[k].expected) << "case " << k;
+  EXPECT_EQ(entryOf(&V::getClassTag), 0u);
+  // Each run lists consecutive slots, starting at the slot given.
+  std::size_t const from4[] = {entryOf(&V::hash),      entryOf(&V::clone),       entryOf(&V::getClass),
+                               entryOf(&V::serialize), entryOf(&V::deserialize), entryOf(&V::deleteInstance)};
+  std::size_t const from12[] = {Slots::seek(),
+                                entryOf(&V::getSize),
+                                entryOf(&V::getInteger),
+                                entryOf(&V::getBoolean),
+                                entryOf(&V::getDouble),
+                                entryOf(static_cast<void (V::*)(WString &) const>(&V::getString)),
+                                entryOf(static_cast<void (V::*)(Array<WString> &) const>(&V::getArray)),
+                                entryOf(static_cast<void (V::*)(Array<double> &) const>(&V::getArray)),
+                                entryOf(static_cast<void (V::*)(Array<int> &) const>(&V::getArray)),
+                                entryOf(static_cast<void (V::*)(Array<bool> &) const>(&V::getArray)),
+                                entryOf(&V::dump),
+                                Slots::add(),
+                                Slots::remove(),
+                                entryOf(&V::getItemValueType),
+                                entryOf(&V::getArrayValueType),
+                                entryOf(&V::cloneValue),
+                                entryOf(&V::assignToSameClass),
+                                entryOf(&V::findDouble),
+                                entryOf(&V::findInteger),
+                                entryOf(&V::findBoolean),
+                                entryOf(&V::findString),
+                                entryOf(&V::compare),
+                                entryOf(&V::getXMLText),
+                                entryOf(&V::setFromXMLText),
+                                entryOf(&V::clear)};
+  for (std::size_t k = 0; k < std::size(from4); ++k) EXPECT_EQ(from4[k], 4 + k) << "slot " << 4 + k;
+  for (std::size_t k = 0; k < std::size(from12); ++k) EXPECT_EQ(from12[k], 12 + k) << "slot " << 12 + k;
 }
 #endif
 

@@ -4,9 +4,11 @@
 // messages. serialise() gives the payload bytes of a value; ChunkedInputStream
 // reads a byte vector at most N bytes per read, so that every reader is
 // exercised across short reads. Owned<T> hands a pooled value back with
-// deleteInstance() when it goes out of scope.
+// deleteInstance() when it goes out of scope. expectConversions runs a table
+// of assignTo rows, each value made fresh from the pool when its row runs.
 #pragma once
 
+#include <gtest/gtest.h>
 #include <quarn/core/Ptr.h>
 #include <quarn/value/ByteStream.h>
 #include <quarn/value/MemoryStream.h>
@@ -16,6 +18,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -81,5 +84,29 @@ inline constexpr int kChunkSizes[] = {1, 2, 3, 5, 8, 1024};
 
 template <class T>
 using Owned = ObjPtr<T>;
+
+/// Makes a pooled copy of a value when a table row runs.
+using Make = std::function<Value *()>;
+template <class T>
+Make make(T const &value) {
+  return [value] { return static_cast<Value *>(T::allocateCopy(value)); };
+}
+
+/// Converts `from` into a value of the class of `expected`, which first holds `before`.
+struct ConversionCase {
+  Make from, before, expected;
+};
+
+inline void expectConversions(std::vector<ConversionCase> const &cases) {
+  for (std::size_t k = 0; k < cases.size(); ++k) {
+    ObjPtr<Value> from(cases[k].from()), target(cases[k].before()), expected(cases[k].expected());
+    ASSERT_EQ(target->getClassTag(), expected->getClassTag()) << "row " << k;
+    EXPECT_TRUE(from->canAssignTo(target->getClassTag())) << "row " << k;
+    from->assignTo(*target);
+    WString dumped;
+    target->dump(dumped, 1);
+    EXPECT_EQ(target->compare(*expected), 0) << "row " << k << ": " << utf8(dumped);
+  }
+}
 
 }  // namespace quarn::test

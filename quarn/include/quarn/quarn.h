@@ -60,11 +60,13 @@
 #include <quarn/value/DoubleComparator.h>
 #include <quarn/value/DoubleFingerprintValue.h>
 #include <quarn/value/DoubleValue.h>
+#include <quarn/value/FileStream.h>
 #include <quarn/value/FlexArrayValue.h>
 #include <quarn/value/FlexValue.h>
 #include <quarn/value/IntegerArrayValue.h>
 #include <quarn/value/IntegerFingerprintValue.h>
 #include <quarn/value/IntegerValue.h>
+#include <quarn/value/MemoryStream.h>
 #include <quarn/value/MissingValue.h>
 #include <quarn/value/NullArrayValue.h>
 #include <quarn/value/NullValue.h>
