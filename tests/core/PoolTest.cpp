@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <latch>
 #include <stdexcept>
 #include <thread>
 #include <vector>
@@ -205,6 +206,41 @@ TEST_F(PoolTest, ConcurrentAcquireAndReleaseKeepCountsExact) {
   EXPECT_EQ(created, pooled);  // nothing destroyed: every instance made is back in the pool
   EXPECT_EQ(created + reused, static_cast<unsigned long>(kThreads) * kRounds * kHeld);
   EXPECT_EQ(Unbounded::counts.activated.load(), static_cast<int>(reused));
+}
+
+// Instances taken on one thread and handed back on another (a pipeline's
+// producer and consumer) are counted exactly while both threads live, and a
+// thread's free instances are reachable by ClearPool from any thread.
+TEST_F(PoolTest, InstancesCrossThreadsWithExactCountsAndClearing) {
+  constexpr int kMade = 8;
+  Unbounded *made[kMade];
+  std::latch produced(1), consumed(1), cached(1), cleared(1);
+  std::jthread producer([&] {
+    for (auto &p : made) p = Unbounded::newInstance();
+    produced.count_down();
+    consumed.wait();
+    Unbounded::newInstance()->deleteInstance();  // cached on this thread
+    cached.count_down();
+    cleared.wait();
+  });
+  produced.wait();
+  EXPECT_EQ(Unbounded::m_class.getOutstanding(), kMade);
+  for (auto &p : made) p->deleteInstance();  // released here, taken there
+  EXPECT_EQ(Unbounded::m_class.getOutstanding(), 0);
+  Unbounded *stray = new Unbounded();
+  EXPECT_QUARN_THROW(Unbounded::m_class.release(stray),
+                     "Object leak, object being returned to pool when none were outstanding...");
+  delete stray;
+  EXPECT_EQ(Unbounded::m_class.ClearPool(false), static_cast<unsigned int>(kMade));
+  consumed.count_down();
+  cached.wait();
+  EXPECT_EQ(Unbounded::m_class.getPoolSize(), 1u);  // lying in the producer's cache
+  EXPECT_EQ(Unbounded::m_class.ClearPool(false), 1u);
+  EXPECT_EQ(Unbounded::counts.destroyed, kMade + 2);  // the stray too
+  cleared.count_down();
+  producer.join();
+  EXPECT_EQ(Unbounded::m_class.getOutstanding(), 0);
+  EXPECT_EQ(Unbounded::m_class.getPoolSize(), 0u);
 }
 
 }  // namespace
