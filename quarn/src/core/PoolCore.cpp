@@ -5,7 +5,6 @@
 #include <cstdlib>
 #include <mutex>
 #include <new>
-#include <thread>
 
 #include <pthread.h>
 
@@ -21,14 +20,6 @@ std::atomic<unsigned int> g_nextIndex{0};
 // Orders a thread's end against the destruction of the pools its caches belong to.
 constinit std::mutex g_lifetime;
 constinit thread_local bool t_threadEnded = false;
-
-inline void cpuRelax() noexcept {
-#if defined(__x86_64__) || defined(__i386__)
-  __builtin_ia32_pause();
-#elif defined(__aarch64__)
-  asm volatile("yield");
-#endif
-}
 
 /// At the end of a thread, hands its caches back to their pools.
 void retireThread() noexcept {
@@ -72,12 +63,9 @@ bool watchThreadEnd() noexcept {
 }  // namespace
 
 void PoolThreadCache::lockContended() noexcept {
-  for (unsigned int spins = 0;; ++spins) {
+  for (unsigned int attempt = 0;; ++attempt) {
     if (!m_locked.load(std::memory_order_relaxed) && !m_locked.exchange(true, std::memory_order_acquire)) return;
-    if (spins < 128)
-      cpuRelax();
-    else
-      std::this_thread::yield();
+    backOff(attempt);
   }
 }
 

@@ -21,6 +21,10 @@
 
 namespace quarn {
 
+/// Waits before a contended lock is tried again: a processor pause for the
+/// first 128 attempts, then the rest of the time slice.
+QUARN_CORE_API void backOff(unsigned int attempt) noexcept;
+
 class QUARN_CORE_API Lockable {
  public:
   Lockable() = default;
