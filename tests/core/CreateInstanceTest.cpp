@@ -63,7 +63,7 @@ TEST(CreateInstanceTest, CreatesAComponentByNameAloneAndBindsTheLibrarysClasses)
   EXPECT_TRUE(info.proxy);
 }
 
-TEST(CreateInstanceTest, UnregisteredNameOrALibraryThatMakesNothingMakesNothing) {
+TEST(CreateInstanceTest, UnregisteredNameOrALibraryThatMakesNothingMakesNothingAndServerPathsAreUtf16) {
   ScratchClass unregistered, nothing("Marlix.testlib.nothing.");
   nothing.registerTo(QUARN_TEST_COMPONENTS);
   quarn::BaseString<unsigned short> path("unchanged");
@@ -79,10 +79,23 @@ TEST(CreateInstanceTest, UnregisteredNameOrALibraryThatMakesNothingMakesNothing)
   }
   EXPECT_QUARN_THROW(Class::getClass(ClassTag(unregistered.c_str())),
                      "Class " + unregistered.name() + " not registered.");
+  // the server path is UTF-16 and must name a library
+  ScratchClass scratch, none("Marlix.test.", ".none");
+  scratch.registerTo("/opt/caf\xC3\xA9/lib.so");
+  none.registerTo("");
+  ASSERT_TRUE(quarn::ServerPathFromClassName(ClassTag(scratch.c_str()), path));
+  unsigned short const expected[] = {'/', 'o', 'p', 't', '/', 'c', 'a', 'f', 0xE9,
+                                     '/', 'l', 'i', 'b', '.', 's', 'o', 0};
+  EXPECT_EQ(path, quarn::BaseString<unsigned short>(expected));
+  EXPECT_TRUE(quarn::isClassNameRegistered(none.c_str()));
+  EXPECT_QUARN_THROW(quarn::ServerPathFromClassName(ClassTag(none.c_str()), path),
+                     "Registration file " + none.path() + " of class " + none.name() +
+                         " names no library.\nquarn::ServerPathFromClassName: Tessary exception caught");
 }
 
 TEST(CreateInstanceTest, FailuresNameTheLibraryTheClassAndTheFile) {
   std::string const broken = QUARN_TEST_BROKEN;
+  // clang-format off
   struct Case {
     char const *prefix;
     std::string library;
@@ -98,6 +111,7 @@ TEST(CreateInstanceTest, FailuresNameTheLibraryTheClassAndTheFile) {
        "object file: No such file or directory"},
       {"Marlix.testlib.throw.", QUARN_TEST_COMPONENTS, "The test library refuses NAME"},
   };
+  // clang-format on
   for (Case const &c : cases) {
     ScratchClass scratch(c.prefix);
     scratch.registerTo(c.library.c_str());
@@ -114,21 +128,6 @@ TEST(CreateInstanceTest, FailuresNameTheLibraryTheClassAndTheFile) {
   good.registerTo(QUARN_TEST_COMPONENTS);
   EXPECT_THROW(Class::getClassInstance(ClassTag(bad.c_str())), quarn::Exception);
   EXPECT_TRUE(hold(Class::getClassInstance(ClassTag(good.c_str()))));
-}
-
-TEST(CreateInstanceTest, ServerPathIsUtf16AndMustNameALibrary) {
-  ScratchClass scratch, none("Marlix.test.", ".none");
-  scratch.registerTo("/opt/caf\xC3\xA9/lib.so");
-  none.registerTo("");
-  quarn::BaseString<unsigned short> path;
-  ASSERT_TRUE(quarn::ServerPathFromClassName(ClassTag(scratch.c_str()), path));
-  unsigned short const expected[] = {'/', 'o', 'p', 't', '/', 'c', 'a', 'f', 0xE9,
-                                     '/', 'l', 'i', 'b', '.', 's', 'o', 0};
-  EXPECT_EQ(path, quarn::BaseString<unsigned short>(expected));
-  EXPECT_TRUE(quarn::isClassNameRegistered(none.c_str()));
-  EXPECT_QUARN_THROW(quarn::ServerPathFromClassName(ClassTag(none.c_str()), path),
-                     "Registration file " + none.path() + " of class " + none.name() +
-                         " names no library.\nquarn::ServerPathFromClassName: Tessary exception caught");
 }
 
 }  // namespace

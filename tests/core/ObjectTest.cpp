@@ -1,4 +1,5 @@
 // ObjectTest.cpp - reference counting, identity queries, refusals and smart pointers
+#include <gtest/gtest.h>
 #include <quarn/core/Annotate.h>
 #include <quarn/core/ComponentObject.h>
 #include <quarn/core/CountedObject.h>
@@ -6,8 +7,6 @@
 #include <quarn/core/Ptr.h>
 #include <quarn/value/ByteStream.h>
 #include <quarnCore/Exception.h>
-
-#include <gtest/gtest.h>
 
 #include <new>
 #include <stdexcept>
@@ -24,17 +23,14 @@ struct Plain : quarn::Object {
 struct Counted : quarn::CountedObject {
   static inline int finalReleases = 0, deletions = 0;
   void FinalRelease() override { ++finalReleases; }
-  void deleteInstance() override {
-    ++deletions;
-    delete this;
-  }
+  void deleteInstance() override { ++deletions, delete this; }
 };
 
 struct Component : quarn::ComponentObject {
   void deleteInstance() override { delete this; }
 };
 
-TEST(ObjectTest, LastReleaseDeletesOnce) {
+TEST(ObjectTest, LastReleaseDeletesOnceAndReleaseNoCheckNever) {
   Counted::finalReleases = Counted::deletions = 0;
   auto *object = new Counted;
   EXPECT_EQ(object->getRefCount(), 0u);
@@ -51,10 +47,7 @@ TEST(ObjectTest, LastReleaseDeletesOnce) {
   Counted original;
   original.addRef();
   EXPECT_EQ(Counted(original).getRefCount(), 0u);  // copies start with their own count
-}
-
-TEST(ObjectTest, ReleaseNoCheckNeverDeletes) {
-  auto *component = new Component;
+  auto *component = new Component;                 // ReleaseNoCheck never deletes
   EXPECT_EQ(component->ReleaseNoCheck(), 0u);
   component->addRef();
   component->addRef();
@@ -127,14 +120,12 @@ TEST(ObjectTest, PtrHoldsOneReference) {
   EXPECT_EQ(Counted::deletions, 2);  // ObjPtr hands the object back
 }
 
-TEST(AnnotateTest, LibraryExceptionGetsALineAndKeepsItsType) {
+TEST(AnnotateTest, LibraryExceptionGetsALineAndKeepsItsTypeAndOtherFailuresBecomeLibraryExceptions) {
   EXPECT_QUARN_THROW_AS(
       quarn::detail::annotated("IntegerArrayValue", "setIthValue", [] { throw quarn::InvalidIndexException(4, 2); }),
       quarn::InvalidIndexException,
       "Invalid index 4 (last valid index 2)\nIntegerArrayValue::setIthValue: Tessary exception caught");
-}
-
-TEST(AnnotateTest, OtherFailuresBecomeLibraryExceptions) {
+  // other failures become library exceptions
   EXPECT_QUARN_THROW(quarn::detail::annotated("A", "op", [] { throw std::runtime_error("x"); }),
                      "A::op: Severe error caught");
   EXPECT_QUARN_THROW(quarn::detail::annotated("A", "op", [] { throw std::bad_alloc(); }),

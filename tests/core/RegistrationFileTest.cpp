@@ -19,22 +19,12 @@ using quarn::test::imported;
 using quarn::test::ScratchClass;
 using quarn::test::text;
 
-TEST(RegistrationFileTest, FileIsNamedByTheFirstSpellingInterned) {
-  ScratchClass scratch("Marlix.test.", ".MixedCase");
-  ClassTag first(scratch.c_str());
-  std::string shouted = scratch.name();
-  for (char &c : shouted) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  EXPECT_EQ(text(CClassRegistryFile::GetFilePath(ClassTag(shouted.c_str()))), scratch.path());
-  EXPECT_EQ(text(CClassRegistryFile::GetFilePath(first, 3)), scratch.path(3));
-}
-
-TEST(RegistrationFileTest, VersionInUseIsTheLastBeforeAGap) {
-  struct Case {
-    std::set<int> present;  // 0 is the plain file
-    int version;
-  } const cases[] = {
+TEST(RegistrationFileTest, VersionInUseIsTheLastBeforeAGapAndFilesAreNamedByTheFirstSpelling) {
+  // clang-format off
+  struct Case { std::set<int> present; int version; } const cases[] = {  // present: 0 is the plain file
       {{}, 0}, {{0}, 0}, {{1}, 1}, {{0, 1}, 1}, {{1, 2}, 2}, {{1, 3}, 1}, {{2, 3}, 0}, {{0, 1, 2, 3}, 3},
   };
+  // clang-format on
   for (Case const &c : cases) {
     ScratchClass scratch;
     for (int v : c.present)
@@ -48,20 +38,27 @@ TEST(RegistrationFileTest, VersionInUseIsTheLastBeforeAGap) {
       EXPECT_EQ(text(imported(scratch).server), "/v" + std::to_string(c.version));
     }
   }
+  // the file is named by the first spelling interned
+  ScratchClass scratch("Marlix.test.", ".MixedCase");
+  ClassTag first(scratch.c_str());
+  std::string shouted = scratch.name();
+  for (char &c : shouted) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  EXPECT_EQ(text(CClassRegistryFile::GetFilePath(ClassTag(shouted.c_str()))), scratch.path());
+  EXPECT_EQ(text(CClassRegistryFile::GetFilePath(first, 3)), scratch.path(3));
 }
 
 TEST(RegistrationFileTest, WritesTheExactText) {
-  struct Case {
-    CZedClassInfo info;
-    std::string bytes;
-  } const cases[] = {
+  // clang-format off
+  struct Case { CZedClassInfo info; std::string bytes; } const cases[] = {
       // after the progid line
       {{"", "Says hello", "/opt/marlix/libexample.so", false},
        "\t<mxq:server>/opt/marlix/libexample.so</mxq:server>\n\t<mxq:description>Says hello</mxq:description>\n"},
       {{"", "A <b> & c>\r\n\tcaf\xC3\xA9", "/opt/p&q.so", true},
        "\t<mxq:server proxy=\"true\">/opt/p&amp;q.so</mxq:server>\n"
        "\t<mxq:description>A &lt;b&gt; &amp; c&gt;&#xD;\n\tcaf\xC3\xA9</mxq:description>\n"},
-      {{"", "", "", false}, "\t<mxq:server></mxq:server>\n\t<mxq:description></mxq:description>\n"}};
+      {{"", "", "", false}, "\t<mxq:server></mxq:server>\n\t<mxq:description></mxq:description>\n"},
+  };
+  // clang-format on
   for (Case const &c : cases) {
     ScratchClass scratch;
     CZedClassInfo info = c.info;
@@ -75,10 +72,8 @@ TEST(RegistrationFileTest, WritesTheExactText) {
 }
 
 TEST(RegistrationFileTest, ReaderSetsFieldsOnlyDirectlyInsideTheClassElement) {
-  struct Case {
-    char const *body;
-    CZedClassInfo expected;
-  } const cases[] = {
+  // clang-format off
+  struct Case { char const *body; CZedClassInfo expected; } const cases[] = {
       // Any value of a first attribute named proxy marks a proxy, on any element.
       {"<mxq:class><mxq:server proxy=\"false\">/s</mxq:server></mxq:class>", {"", "", "/s", true}},
       {"<mxq:class proxy=\"no\"><mxq:server>/s</mxq:server></mxq:class>", {"", "", "/s", true}},
@@ -94,6 +89,7 @@ TEST(RegistrationFileTest, ReaderSetsFieldsOnlyDirectlyInsideTheClassElement) {
       // The last of repeated elements wins.
       {"<mxq:class><mxq:progid>a</mxq:progid><mxq:progid>b</mxq:progid></mxq:class>", {"b", "", "", false}},
   };
+  // clang-format on
   for (Case const &c : cases) {
     ScratchClass scratch;
     scratch.write(c.body);
@@ -103,6 +99,7 @@ TEST(RegistrationFileTest, ReaderSetsFieldsOnlyDirectlyInsideTheClassElement) {
 
 TEST(RegistrationFileTest, BadFilesAreRefusedNamingClassAndFile) {
   std::string const good = "<mxq:class><mxq:server>/lib/x.so</mxq:server></mxq:class>";
+  // clang-format off
   struct Case {
     std::string bytes;
     std::string reason;  // after "Registration file <path> of class <name> "
@@ -116,6 +113,7 @@ TEST(RegistrationFileTest, BadFilesAreRefusedNamingClassAndFile) {
       {good + "<mxq:class/>", "is not valid XML: junk after document element at line 1, column 57."},
       {good + std::string(CClassRegistryFile::kMaxFileSize + 1 - good.size(), ' '), "is larger than 65536 bytes."},
   };
+  // clang-format on
   for (Case const &c : cases) {
     ScratchClass scratch;
     scratch.write(c.bytes);
@@ -193,14 +191,12 @@ TEST(RegistrationFileTest, NamesThatCouldLeaveTheFolderAreRefused) {
 }
 
 TEST(RegistrationFileTest, TextsThatCannotBeReadBackOrFilesThatCannotBeCreatedAreNotWritten) {
-  struct Case {
-    CZedClassInfo info;
-    char const *field;
-  } const cases[] = {
-      {{"", "bell\a", "/lib/x.so"}, "description"},
-      {{"", "ok", "/lib/\xFF.so"}, "library path"},
+  // clang-format off
+  struct Case { CZedClassInfo info; char const *field; } const cases[] = {
+      {{"", "bell\a", "/lib/x.so"}, "description"}, {{"", "ok", "/lib/\xFF.so"}, "library path"},
       {{"", "caf\xC3", "/lib/x.so"}, "description"},
   };
+  // clang-format on
   for (Case const &c : cases) {
     ScratchClass scratch;
     CZedClassInfo info = c.info;

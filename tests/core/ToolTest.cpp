@@ -29,7 +29,7 @@ Result quarnTool(std::vector<std::string> args) {
   return {status, out.str(), err.str()};
 }
 
-TEST(ToolTest, RegisterWhichUnregisterRoundTrip) {
+TEST(ToolTest, RegisterWhichUnregisterRoundTripWithAbsolutePathsAndProxies) {
   ScratchClass scratch;
   Result registered = quarnTool({"register", scratch.name(), QUARN_TEST_COMPONENTS, "--description", "From the tool"});
   EXPECT_EQ(registered.status, 0) << registered.err;
@@ -38,24 +38,20 @@ TEST(ToolTest, RegisterWhichUnregisterRoundTrip) {
   EXPECT_NE(quarn::test::readBytes(scratch.path()).find("<mxq:description>From the tool</mxq:description>"),
             std::string::npos);
 
-  struct Step {
-    std::vector<std::string> args;
-    int status;
-    std::string out, err;
-  } const steps[] = {
+  // clang-format off
+  struct Step { std::vector<std::string> args; int status; std::string out, err; } const steps[] = {
       {{"which", scratch.name()}, 0, std::string(QUARN_TEST_COMPONENTS) + "\n", ""},
       {{"unregister", scratch.name()}, 0, "Unregistered " + scratch.name() + " (removed " + scratch.path() + ")\n", ""},
-      {{"which", scratch.name()}, 1, "", "quarn which: " + scratch.name() + " is not registered\n"}};
+      {{"which", scratch.name()}, 1, "", "quarn which: " + scratch.name() + " is not registered\n"},
+  };
+  // clang-format on
   for (Step const &s : steps) {
     Result result = quarnTool(s.args);
     EXPECT_EQ(result.status, s.status);
     EXPECT_EQ(result.out, s.out);
     EXPECT_EQ(result.err, s.err);
   }
-}
-
-TEST(ToolTest, RegisterMakesTheLibraryPathAbsoluteAndMarksProxies) {
-  ScratchClass scratch;
+  // register makes the library path absolute and marks proxies
   std::string library = QUARN_TEST_COMPONENTS;
   std::string directory = library.substr(0, library.rfind('/'));
   std::string relative = "./" + library.substr(library.rfind('/') + 1);
@@ -94,36 +90,28 @@ TEST(ToolTest, ClassesListsEachRegisteredClassOnceWithItsLibraryAndReportsUnread
 TEST(ToolTest, FailuresAreOneLineWithTheirExitCode) {
   ScratchClass scratch;
   std::string const name = scratch.name();
-  struct Case {
-    std::vector<std::string> args;
-    int status;
-    std::string err;
-  } const cases[] = {
+  // clang-format off
+  struct Case { std::vector<std::string> args; int status; std::string err; } const cases[] = {
       {{}, 2, ""},  // usage on stderr, checked below
       {{"frobnicate"}, 2, "quarn: unknown command 'frobnicate' (see quarn --help)\n"},
       {{"which"}, 2, "quarn which: expected which CLASS (see quarn which --help)\n"},
       {{"which", "a", "b"}, 2, "quarn which: expected which CLASS (see quarn which --help)\n"},
-      {{"register", name},
-       2,
+      {{"register", name}, 2,
        "quarn register: expected register CLASS LIBRARY [--description TEXT] [--proxy] (see quarn register --help)\n"},
-      {{"register", name, QUARN_TEST_COMPONENTS, "--description"},
-       2,
+      {{"register", name, QUARN_TEST_COMPONENTS, "--description"}, 2,
        "quarn register: --description needs a TEXT (see quarn register --help)\n"},
-      {{"unregister", name, "--proxy"},
-       2,
+      {{"unregister", name, "--proxy"}, 2,
        "quarn unregister: unknown option '--proxy' (see quarn unregister --help)\n"},
-      {{"register", name, "/nonexistent/libgone.so"},
-       1,
+      {{"register", name, "/nonexistent/libgone.so"}, 1,
        "quarn register: library not found: /nonexistent/libgone.so\n"},
       {{"unregister", name}, 1, "quarn unregister: " + name + " is not registered\n"},
-      {{"which", "../etc/passwd"},
-       1,
+      {{"which", "../etc/passwd"}, 1,
        "quarn which: Invalid class name '../etc/passwd': a class name must not be empty or contain '/', '\\' or "
        "'..'.\n"},
-      {{"register", "Marlix/x", QUARN_TEST_COMPONENTS},
-       1,
+      {{"register", "Marlix/x", QUARN_TEST_COMPONENTS}, 1,
        "quarn register: Invalid class name 'Marlix/x': a class name must not be empty or contain '/', '\\' or '..'.\n"},
   };
+  // clang-format on
   for (Case const &c : cases) {
     Result result = quarnTool(c.args);
     EXPECT_EQ(result.status, c.status) << result.err;
@@ -137,16 +125,14 @@ TEST(ToolTest, FailuresAreOneLineWithTheirExitCode) {
 }
 
 TEST(ToolTest, HelpGoesToStandardOutputAndSucceeds) {
-  struct Case {
-    std::vector<std::string> args;
-    std::string start;
-  } const cases[] = {
+  // clang-format off
+  struct Case { std::vector<std::string> args; std::string start; } const cases[] = {
       {{"--help"}, "Usage: quarn COMMAND [ARGUMENTS]\n"},
       {{"register", "--help"}, "Usage: quarn register CLASS LIBRARY [--description TEXT] [--proxy]\n\n"},
       {{"unregister", "-h"}, "Usage: quarn unregister CLASS\n\n"},
-      {{"which", "--help"}, "Usage: quarn which CLASS\n\n"},
-      {{"classes", "--help"}, "Usage: quarn classes\n\n"},
+      {{"which", "--help"}, "Usage: quarn which CLASS\n\n"}, {{"classes", "--help"}, "Usage: quarn classes\n\n"},
   };
+  // clang-format on
   for (Case const &c : cases) {
     Result result = quarnTool(c.args);
     EXPECT_EQ(result.status, 0);

@@ -1,4 +1,5 @@
 // ContainersTest.cpp - Array, BaseString, HashMap and Stack: growth, bounds, ordering, ownership
+#include <gtest/gtest.h>
 #include <quarnCore/Array.h>
 #include <quarnCore/BaseString.h>
 #include <quarnCore/HashMap.h>
@@ -6,8 +7,6 @@
 
 #include <string>
 #include <vector>
-
-#include <gtest/gtest.h>
 
 #include "support/ExpectThrow.h"
 
@@ -44,9 +43,11 @@ void expectInvalidIndex(F &&statement, int index, int lastValid) {
 }
 
 TEST(ArrayTest, GrowsFromFiveByDoubling) {
-  struct Case {
-    unsigned int size, capacity;
-  } const cases[] = {{1, 5}, {5, 5}, {6, 10}, {10, 10}, {11, 20}, {21, 40}};
+  // clang-format off
+  struct Case { unsigned int size, capacity; } const cases[] = {
+      {1, 5}, {5, 5}, {6, 10}, {10, 10}, {11, 20}, {21, 40},
+  };
+  // clang-format on
   for (auto const &c : cases) {
     Array<int> appended;
     for (unsigned int i = 0; i < c.size; ++i) appended.append(static_cast<int>(i));
@@ -66,7 +67,7 @@ TEST(ArrayTest, GrowsFromFiveByDoubling) {
   EXPECT_EQ(a.getBuffer(), nullptr);
 }
 
-TEST(ArrayTest, IndexAtOrPastTheSizeThrowsWithTheLastValidIndex) {
+TEST(ArrayTest, EditsKeepOrderLeakNothingAndIndexesPastTheSizeThrowWithTheLastValidIndex) {
   Array<int> empty, three;
   three.resize(3);
   Array<int> const &constThree = three;
@@ -76,9 +77,6 @@ TEST(ArrayTest, IndexAtOrPastTheSizeThrowsWithTheLastValidIndex) {
   expectInvalidIndex([&] { three.remove(3); }, 3, 2);
   expectInvalidIndex([&] { three.insert(4, 0); }, 4, 2);
   expectInvalidIndex([&] { empty.pop(); }, 0, -1);
-}
-
-TEST(ArrayTest, InsertRemovePopAndClearKeepOrderAndLeakNothing) {
   {
     Array<Tracked> a;
     for (int i = 0; i < 5; ++i) a.append(Tracked(i));
@@ -104,7 +102,7 @@ TEST(ArrayTest, InsertRemovePopAndClearKeepOrderAndLeakNothing) {
   EXPECT_EQ(Tracked::live, 0);
 }
 
-TEST(BaseStringTest, NullAndEmptyAreDifferent) {
+TEST(BaseStringTest, NullIsBeforeEmptyCharactersCompareSignedAndUnitsUnsigned) {
   BaseString<char> null, empty(""), a("a");
   EXPECT_TRUE(null.isNull() && null.isEmpty() && empty.isEmpty() && !empty.isNull());
   EXPECT_NE(null, empty);
@@ -114,15 +112,13 @@ TEST(BaseStringTest, NullAndEmptyAreDifferent) {
   EXPECT_TRUE(null < empty && empty < a);
   EXPECT_EQ(null.hashCode(), 0u);
   EXPECT_EQ(BaseString<char>("ab").hashCode(), 97u * 31 + 98);
-}
-
-TEST(BaseStringTest, CharactersCompareSignedAndUnitsUnsigned) {
-  struct Case {
-    char const *left, *right;
-    int narrowSign, wideSign;
-  } const cases[] = {{"\x80", "a", -1, 1},  // -128 against 97 as char, 0x80 against 0x61 as a unit
-                     {"\xFF", "\x7F", -1, 1}, {"ab", "abc", -1, -1}, {"abc", "abd", -1, -1},
-                     {"b", "abc", 1, 1},      {"same", "same", 0, 0}};
+  // characters compare signed, units unsigned: "\x80" is -128 against 97 as char, 0x80 against 0x61 as a unit
+  // clang-format off
+  struct Case { char const *left, *right; int narrowSign, wideSign; } const cases[] = {
+      {"\x80", "a", -1, 1}, {"\xFF", "\x7F", -1, 1}, {"ab", "abc", -1, -1}, {"abc", "abd", -1, -1}, {"b", "abc", 1, 1},
+      {"same", "same", 0, 0},
+  };
+  // clang-format on
   auto sign = [](int v) { return (v > 0) - (v < 0); };
   for (auto const &c : cases) {
     BaseString<char> nl(c.left), nr(c.right);
@@ -147,10 +143,11 @@ struct IntTraits {
 TEST(HashMapTest, GrowsAtThreeQuartersToTheNextPrimeAboveDouble) {
   HashMap<int, int, IntTraits> map;
   EXPECT_EQ(map.getBucketCount(), 31u);
-  struct Step {
-    int inserts;
-    unsigned int buckets;
-  } const steps[] = {{23, 31}, {24, 67}, {50, 67}, {51, 137}, {102, 137}, {103, 277}};
+  // clang-format off
+  struct Step { int inserts; unsigned int buckets; } const steps[] = {
+      {23, 31}, {24, 67}, {50, 67}, {51, 137}, {102, 137}, {103, 277},
+  };
+  // clang-format on
   int inserted = 0;
   for (auto const &s : steps) {
     for (; inserted < s.inserts; ++inserted) EXPECT_TRUE(map.put(inserted, inserted * 2));
@@ -160,17 +157,17 @@ TEST(HashMapTest, GrowsAtThreeQuartersToTheNextPrimeAboveDouble) {
   EXPECT_EQ(map.getCount(), 103u);
   for (int k = 0; k < 103; ++k) ASSERT_EQ(*map.find(k), k == 5 ? -5 : k * 2);
   EXPECT_EQ(map.find(103), nullptr);
-}
-
-TEST(HashMapTest, NextPrimeStepsOverOddCandidates) {
-  struct Case {
-    unsigned int n, prime;
-  } const cases[] = {{0, 2},   {1, 2},   {2, 3},   {3, 5},     {7, 11},    {8, 11},
-                     {24, 29}, {31, 37}, {62, 67}, {134, 137}, {274, 277}, {4294967290u, 4294967291u}};
+  // the next prime steps over odd candidates
+  // clang-format off
+  struct Case { unsigned int n, prime; } const cases[] = {
+      {0, 2}, {1, 2}, {2, 3}, {3, 5}, {7, 11}, {8, 11}, {24, 29}, {31, 37}, {62, 67}, {134, 137}, {274, 277},
+      {4294967290u, 4294967291u},
+  };
+  // clang-format on
   for (auto const &c : cases) EXPECT_EQ(quarn::detail::nextPrime(c.n), c.prime) << c.n;
 }
 
-TEST(HashMapTest, ReusesRemovedNodesAndFreesEverything) {
+TEST(HashMapTest, ReusesRemovedNodesFreesEverythingAndRefusesZeroBuckets) {
   {
     HashMap<int, Tracked, IntTraits> map;
     for (int k = 0; k < 4; ++k) map.put(k, Tracked(k));
@@ -186,9 +183,6 @@ TEST(HashMapTest, ReusesRemovedNodesAndFreesEverything) {
     map.remove(0);
   }
   EXPECT_EQ(Tracked::live, 0);
-}
-
-TEST(HashMapTest, RefusesZeroBuckets) {
   HashMap<int, int, IntTraits> map;
   map.put(1, 1);
   EXPECT_QUARN_THROW(map.resize(0), "Cannot resize a hash map to 0");

@@ -75,18 +75,12 @@ auto const readDouble = [](auto const &text) { return stringToDouble(text); };
 auto const readBoolean = [](auto const &text) { return stringToBoolean(text); };
 
 TEST(TextUtilTest, ReadsWholeIntegersRejectsEverythingElseAndSaturatesWithAnEnd) {
-  struct Case {
-    char const *text;
-    int value;
-  } const cases[] = {{"0", 0},
-                     {"-0", 0},
-                     {"+7", 7},
-                     {"007", 7},
-                     {" \t\r\n42", 42},
-                     {"\xA0-5\xA0", -5},
-                     {"12 \n", 12},
-                     {"2147483647", INT_MAX},
-                     {"-2147483648", INT_MIN}};
+  // clang-format off
+  struct Case { char const *text; int value; } const cases[] = {
+      {"0", 0}, {"-0", 0}, {"+7", 7}, {"007", 7}, {" \t\r\n42", 42}, {"\xA0-5\xA0", -5}, {"12 \n", 12},
+      {"2147483647", INT_MAX}, {"-2147483648", INT_MIN},
+  };
+  // clang-format on
   for (auto const &c : cases) expectWhole(readInteger, c.text, c.value);
   for (char const *text : {"", " ", "abc", "1.5", "12abc", "- 1", "+-1", "--1", "1 2", "0x10", "1,"})
     expectWhole(readInteger, text, 0, "Cannot convert '" + std::string(text) + "' to an integer");
@@ -97,10 +91,11 @@ TEST(TextUtilTest, ReadsWholeIntegersRejectsEverythingElseAndSaturatesWithAnEnd)
   EXPECT_QUARN_THROW(stringToInteger(std::string(100, 'x').c_str()),
                      "Cannot convert '" + std::string(80, 'x') + "...' to an integer");
   // Out of range: thrown without an end pointer, saturated with one.
-  struct Range {
-    char const *text;
-    int saturated;
-  } const ranges[] = {{"2147483648", INT_MAX}, {"-2147483649", INT_MIN}, {"+99999999999999999999999", INT_MAX}};
+  // clang-format off
+  struct Range { char const *text; int saturated; } const ranges[] = {
+      {"2147483648", INT_MAX}, {"-2147483649", INT_MIN}, {"+99999999999999999999999", INT_MAX},
+  };
+  // clang-format on
   for (auto const &c : ranges) {
     expectWhole(readInteger, c.text, 0, "Integer out of range: '" + std::string(c.text) + "'");
     expectStop(stringToInteger, stringToInteger, c.text, c.saturated, static_cast<long>(std::strlen(c.text)));
@@ -108,45 +103,33 @@ TEST(TextUtilTest, ReadsWholeIntegersRejectsEverythingElseAndSaturatesWithAnEnd)
 }
 
 TEST(TextUtilTest, EndPointerMarksWhereReadingStopped) {
-  struct Case {
-    char const *text;
-    int value;
-    long consumed;
-  } const cases[] = {{"12abc", 12, 2}, {"  -3 4", -3, 4}, {"1.5", 1, 1}, {"abc", 0, 0},
-                     {"   ", 0, 0},    {"-", 0, 0},       {"+x", 0, 0},  {"", 0, 0}};
+  // clang-format off
+  struct Case { char const *text; int value; long consumed; } const cases[] = {
+      {"12abc", 12, 2}, {"  -3 4", -3, 4}, {"1.5", 1, 1}, {"abc", 0, 0}, {"   ", 0, 0}, {"-", 0, 0}, {"+x", 0, 0},
+      {"", 0, 0},
+  };
+  // clang-format on
   for (auto const &c : cases) expectStop(stringToInteger, stringToInteger, c.text, c.value, c.consumed);
   char const *end = reinterpret_cast<char const *>(1);
   EXPECT_EQ(stringToInteger(static_cast<char const *>(nullptr), &end), 0);
   EXPECT_EQ(end, nullptr);
-  struct DoubleCase {
-    char const *text;
-    double value;
-    long consumed;
-  } const doubles[] = {
-      {"1e+", 1.0, 1},       {"3.5abc", 3.5, 3}, {" -1e999 ", -kInf, 7}, {"1e99999999999999999999", kInf, 22},
-      {"infinite", kInf, 3}, {".x", 0.0, 0},     {"+-2", 0.0, 0},        {"0.000001e-999", 0.0, 13}};
+  // clang-format off
+  struct DoubleCase { char const *text; double value; long consumed; } const doubles[] = {
+      {"1e+", 1.0, 1}, {"3.5abc", 3.5, 3}, {" -1e999 ", -kInf, 7}, {"1e99999999999999999999", kInf, 22},
+      {"infinite", kInf, 3}, {".x", 0.0, 0}, {"+-2", 0.0, 0}, {"0.000001e-999", 0.0, 13},
+  };
+  // clang-format on
   for (auto const &c : doubles) expectStop(stringToDouble, stringToDouble, c.text, c.value, c.consumed);
 }
 
 TEST(TextUtilTest, ReadsDoublesInEveryFormAndRejectsEverythingElse) {
-  struct Case {
-    char const *text;
-    double value;
-  } const cases[] = {{"1.5", 1.5},
-                     {"-.5", -0.5},
-                     {"+2.", 2.0},
-                     {"1e3", 1000.0},
-                     {" 6.02E23 ", 6.02e23},
-                     {"-0", -0.0},
-                     {"0.1", 0.1},
-                     {"inf", kInf},
-                     {"-Infinity", -kInf},
-                     {"+INF", kInf},
-                     {"4.9e-324", 5e-324},
-                     {"1e-400", 0.0},
-                     {"-1e-400", -0.0},
-                     {"2.2250738585072014e-308", DBL_MIN},
-                     {"1.7976931348623157e308", DBL_MAX}};
+  // clang-format off
+  struct Case { char const *text; double value; } const cases[] = {
+      {"1.5", 1.5}, {"-.5", -0.5}, {"+2.", 2.0}, {"1e3", 1000.0}, {" 6.02E23 ", 6.02e23}, {"-0", -0.0}, {"0.1", 0.1},
+      {"inf", kInf}, {"-Infinity", -kInf}, {"+INF", kInf}, {"4.9e-324", 5e-324}, {"1e-400", 0.0}, {"-1e-400", -0.0},
+      {"2.2250738585072014e-308", DBL_MIN}, {"1.7976931348623157e308", DBL_MAX},
+  };
+  // clang-format on
   for (auto const &c : cases) expectWhole(readDouble, c.text, c.value);
   for (char const *text : {"nan", "NaN", "-NAN", "+nan"}) EXPECT_TRUE(std::isnan(stringToDouble(text))) << text;
   for (char const *text : {"", ".", "e5", "1e5x", "nan(1)", "++1", "+-1", "1,5", "0x1p3", "in", "- 1"})
@@ -158,14 +141,10 @@ TEST(TextUtilTest, ReadsDoublesInEveryFormAndRejectsEverythingElse) {
 
 TEST(TextUtilTest, DoublesRoundTripThroughTheirShortestText) {
   double const denormMin = std::numeric_limits<double>::denorm_min();
-  std::vector<double> values = {0.0,         -0.0,
-                                DBL_MIN,     -DBL_MIN,
-                                DBL_MAX,     -DBL_MAX,
-                                DBL_EPSILON, 1.0 / 3,
-                                denormMin,   DBL_MIN - denormMin,
-                                kInf,        -kInf,
-                                0.1,         1e21,
-                                1e-7,        123456789012345678.0};
+  // clang-format off
+  std::vector<double> values = {0.0, -0.0, DBL_MIN, -DBL_MIN, DBL_MAX, -DBL_MAX, DBL_EPSILON, 1.0 / 3, denormMin,
+                                DBL_MIN - denormMin, kInf, -kInf, 0.1, 1e21, 1e-7, 123456789012345678.0};
+  // clang-format on
   std::mt19937_64 random(20240531);
   for (int i = 0; i < 200000; ++i) values.push_back(std::bit_cast<double>(random()));
   for (double value : values) {
@@ -183,31 +162,25 @@ TEST(TextUtilTest, DoublesRoundTripThroughTheirShortestText) {
   }
 }
 
-TEST(TextUtilTest, WritesTheShortestTextCutToTheBuffer) {
-  struct Case {
-    double value;
-    char const *text;
-  } const cases[] = {{0.1, "0.1"},
-                     {-0.0, "-0"},
-                     {100.0, "100"},
-                     {1e21, "1e+21"},
-                     {5e-324, "5e-324"},
-                     {DBL_MAX, "1.7976931348623157e+308"},
-                     {kInf, "inf"},
-                     {-kInf, "-inf"},
-                     {std::nan(""), "nan"},
-                     {-std::nan(""), "nan"},
-                     {123456789012345678.0, "123456789012345680"}};
+TEST(TextUtilTest, WritesTheShortestTextCutToTheBufferAndHashesByFoldingTheWords) {
+  // clang-format off
+  struct Case { double value; char const *text; } const cases[] = {
+      {0.1, "0.1"}, {-0.0, "-0"}, {100.0, "100"}, {1e21, "1e+21"}, {5e-324, "5e-324"},
+      {DBL_MAX, "1.7976931348623157e+308"}, {kInf, "inf"}, {-kInf, "-inf"}, {std::nan(""), "nan"},
+      {-std::nan(""), "nan"}, {123456789012345678.0, "123456789012345680"},
+  };
+  // clang-format on
   for (auto const &c : cases) {
     char buffer[32];
     EXPECT_EQ(doubleToString(c.value, buffer, 32), std::char_traits<char>::length(c.text));
     EXPECT_STREQ(buffer, c.text);
     EXPECT_EQ(doubleToString(c.value), W(c.text)) << c.text;
   }
-  struct Cut {
-    unsigned int size, written;
-    char const *text;
-  } const cuts[] = {{1, 0, ""}, {2, 1, "-"}, {4, 3, "-1."}, {5, 4, "-1.5"}, {6, 4, "-1.5"}};
+  // clang-format off
+  struct Cut { unsigned int size, written; char const *text; } const cuts[] = {
+      {1, 0, ""}, {2, 1, "-"}, {4, 3, "-1."}, {5, 4, "-1.5"}, {6, 4, "-1.5"},
+  };
+  // clang-format on
   for (auto const &c : cuts) {
     unsigned short buffer[8] = {'#', '#', '#', '#', '#', '#', '#', '#'};
     EXPECT_EQ(doubleToString(-1.5, buffer, c.size), c.written);
@@ -216,24 +189,23 @@ TEST(TextUtilTest, WritesTheShortestTextCutToTheBuffer) {
   char untouched[2] = {'#', '#'};
   EXPECT_EQ(doubleToString(-1.5, untouched, 0), 0u);
   EXPECT_EQ(untouched[0], '#');
-}
-
-TEST(TextUtilTest, HashFoldsTheHighWordOntoTheLowWord) {
-  struct Case {
-    double value;
-    unsigned int hash;
-  } const cases[] = {
-      {0.0, 0},     {-0.0, 0x80000000u},   {1.0, 0x3FF00000u}, {0.1, 0xA6200003u}, {DBL_MAX, 0x80100000u},
-      {5e-324, 1u}, {-5e-324, 0x80000001u}};
-  for (auto const &c : cases) EXPECT_EQ(doubleHashCode(c.value), c.hash) << c.value;
+  // the hash folds the high word onto the low word
+  // clang-format off
+  struct HashCase { double value; unsigned int hash; } const hashes[] = {
+      {0.0, 0}, {-0.0, 0x80000000u}, {1.0, 0x3FF00000u}, {0.1, 0xA6200003u}, {DBL_MAX, 0x80100000u}, {5e-324, 1u},
+      {-5e-324, 0x80000001u},
+  };
+  // clang-format on
+  for (auto const &c : hashes) EXPECT_EQ(doubleHashCode(c.value), c.hash) << c.value;
 }
 
 TEST(TextUtilTest, ReadsBooleanWords) {
-  struct Case {
-    char const *text;
-    bool value;
-  } const cases[] = {{"true", true},   {"TRUE", true}, {" Yes ", true},    {"on", true}, {"1", true},
-                     {"FaLsE", false}, {"no", false},  {"\tOFF\n", false}, {"0", false}};
+  // clang-format off
+  struct Case { char const *text; bool value; } const cases[] = {
+      {"true", true}, {"TRUE", true}, {" Yes ", true}, {"on", true}, {"1", true}, {"FaLsE", false}, {"no", false},
+      {"\tOFF\n", false}, {"0", false},
+  };
+  // clang-format on
   for (auto const &c : cases) expectWhole(readBoolean, c.text, c.value);
   for (char const *text : {"", "t", "truth", "onion", "10", "2", "yes please", "oui", "tru e"})
     expectWhole(readBoolean, text, false, "Cannot convert '" + std::string(text) + "' to a boolean");
@@ -242,18 +214,16 @@ TEST(TextUtilTest, ReadsBooleanWords) {
 }
 
 TEST(TextUtilTest, ReadsListsUpToTheFirstBadItem) {
-  struct Case {
-    char const *text;
-    std::vector<int> items;
-    bool whole;
-  } const cases[] = {
-      {"", {}, true},        {" , ", {}, true},      {"1, 2,3  4", {1, 2, 3, 4}, true}, {",-1,,+2,\n", {-1, 2}, true},
-      {"1 x 3", {1}, false}, {"1 2a 3", {1}, false}, {"5 3000000000 6", {5}, false},    {"1.5", {}, false}};
+  // clang-format off
+  struct Case { char const *text; std::vector<int> items; bool whole; } const cases[] = {
+      {"", {}, true}, {" , ", {}, true}, {"1, 2,3  4", {1, 2, 3, 4}, true}, {",-1,,+2,\n", {-1, 2}, true},
+      {"1 x 3", {1}, false}, {"1 2a 3", {1}, false}, {"5 3000000000 6", {5}, false}, {"1.5", {}, false},
+  };
+  // clang-format on
   for (auto const &c : cases) {
     SCOPED_TRACE(c.text);
     Array<int> narrow, wide;
-    narrow.append(99);
-    wide.append(99);
+    narrow.append(99), wide.append(99);  // replaced
     EXPECT_EQ(stringToIntegerArray(c.text, narrow, false), c.whole);
     EXPECT_EQ(stringToIntegerArray(W(c.text), wide, false), c.whole);
     EXPECT_EQ(toVector(narrow), c.items);

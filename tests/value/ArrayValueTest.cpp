@@ -1,11 +1,10 @@
 // ArrayValueTest.cpp - what every typed array shares: element edits, delimited text, untrusted payloads, pool hooks
+#include <gtest/gtest.h>
 #include <quarn/core/Ptr.h>
 #include <quarn/value/ArrayValue.h>
 #include <quarn/value/MemoryStream.h>
 #include <quarn/value/NullValue.h>
 #include <quarnCore/Exception.h>
-
-#include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
@@ -35,11 +34,11 @@ std::vector<int> intsIn(IntegerArrayValue const &array) {
 
 template <class A>
 class EveryArrayTest : public ::testing::Test {};
-using ArrayClasses = ::testing::Types<IntegerArrayValue, DoubleArrayValue, StringArrayValue, BooleanArrayValue,
-                                      ByteArrayValue>;
+using ArrayClasses =
+    ::testing::Types<IntegerArrayValue, DoubleArrayValue, StringArrayValue, BooleanArrayValue, ByteArrayValue>;
 TYPED_TEST_SUITE(EveryArrayTest, ArrayClasses);
 
-TYPED_TEST(EveryArrayTest, AnEmptyArrayHasNoScalarViewAndFindsNothing) {
+TYPED_TEST(EveryArrayTest, AnEmptyArrayHasNoScalarViewAndIndexesPastTheSizeThrowWithTheLastValidIndex) {
   TypeParam empty;
   EXPECT_QUARN_THROW_AS(empty.getInteger(), InvalidIndexException, "Invalid index 0 (last valid index -1)");
   EXPECT_QUARN_THROW_AS(empty.getDouble(), InvalidIndexException, "Invalid index 0 (last valid index -1)");
@@ -55,13 +54,10 @@ TYPED_TEST(EveryArrayTest, AnEmptyArrayHasNoScalarViewAndFindsNothing) {
   EXPECT_EQ(d, 2.5);
   EXPECT_TRUE(b);
   EXPECT_EQ(str(text), u"kept");
-}
-
-TYPED_TEST(EveryArrayTest, IndexesAtOrBeyondTheSizeThrowWithTheLastValidIndex) {
+  // indexes at or beyond the size throw with the last valid index
   TypeParam array;
   array.appendValue(IntegerValue(1));
   array.appendValue(IntegerValue(0));
-  std::string const name = TypeParam::shortName;
   std::string const bad = "Invalid index 2 (last valid index 1)";
   EXPECT_QUARN_THROW_AS(array.getIthInteger(2), InvalidIndexException, bad);
   EXPECT_QUARN_THROW_AS(array.getIthBoolean(2), InvalidIndexException, bad);
@@ -77,7 +73,7 @@ TYPED_TEST(EveryArrayTest, IndexesAtOrBeyondTheSizeThrowWithTheLastValidIndex) {
   EXPECT_EQ(array.getSize(), 2u);
 }
 
-TYPED_TEST(EveryArrayTest, AppendingSplicesArraysAddsOneScalarAndNothingForAnEmptyValue) {
+TYPED_TEST(EveryArrayTest, AppendSplicesArraysInsertTakesOneScalarAndRemoveClosesTheGap) {
   TypeParam array;
   array.appendValue(IntegerValue(1));
   EXPECT_EQ(array.getSize(), 1u);
@@ -91,20 +87,16 @@ TYPED_TEST(EveryArrayTest, AppendingSplicesArraysAddsOneScalarAndNothingForAnEmp
   std::vector<bool> truth;
   for (unsigned int i = 0; i < array.getSize(); ++i) truth.push_back(array.getIthBoolean(i));
   EXPECT_EQ(truth, (std::vector<bool>{true, false, true, true, true, false, true, true}));
-}
-
-TYPED_TEST(EveryArrayTest, InsertTakesOneScalarConversionAndRemoveClosesTheGap) {
-  TypeParam array;
+  array.resize(0);  // insert takes one scalar conversion and remove closes the gap
   array.insertValue(0, IntegerValue(1));
   array.insertValue(0, arrayOf<IntegerArrayValue>({0, 1}));  // its first element only
-  array.insertValue(2, IntegerValue(0));                   // at the end
+  array.insertValue(2, IntegerValue(0));                     // at the end
   EXPECT_EQ(array.getSize(), 3u);
-  EXPECT_EQ(array.getIthInteger(0), 0);
-  EXPECT_EQ(array.getIthInteger(1), 1);
-  EXPECT_EQ(array.getIthInteger(2), 0);
+  EXPECT_EQ((std::vector<int>{array.getIthInteger(0), array.getIthInteger(1), array.getIthInteger(2)}),
+            (std::vector<int>{0, 1, 0}));
   array.remove(0);
-  EXPECT_EQ(array.getIthInteger(0), 1);
   EXPECT_EQ(array.getSize(), 2u);
+  EXPECT_EQ(array.getIthInteger(0), 1);
 }
 
 TYPED_TEST(EveryArrayTest, HostileCountsFailWithoutAllocatingAndKeepTheArray) {
@@ -114,12 +106,15 @@ TYPED_TEST(EveryArrayTest, HostileCountsFailWithoutAllocatingAndKeepTheArray) {
                           : std::is_same_v<TypeParam, DoubleArrayValue> || std::is_same_v<TypeParam, ByteArrayValue>
                               ? "EOF reading byte"
                               : "EOF reading int header";
+  // clang-format off
   struct Case {
     Bytes bytes;
     std::string message;
     std::size_t consumed;  // by a memory stream: all that was there, like any stream
-  } const cases[] = {{{0x03, 0xFF, 0xFF, 0xFF, 0x7F, 0x00, 0x00, 0x00}, eof, 8},
-                     {{0xFC, 0x04}, "Invalid array element count -1", 1}};
+  } const cases[] = {
+      {{0x03, 0xFF, 0xFF, 0xFF, 0x7F, 0x00, 0x00, 0x00}, eof, 8}, {{0xFC, 0x04}, "Invalid array element count -1", 1},
+  };
+  // clang-format on
   TypeParam array;
   array.appendValue(IntegerValue(1));
   Bytes const before = serialise(array);
@@ -151,15 +146,14 @@ TYPED_TEST(EveryArrayTest, APooledArrayComesBackEmptyWithItsBufferUnlessItWasLar
 
 // ---- ArrayValue itself
 
-TEST(ArrayValueTest, TheAbstractRootHasNoOrderAndNoItemType) {
+TEST(ArrayValueTest, TheAbstractRootHasNoOrderNorItemTypeAndDumpsEveryElementBelowTheClassName) {
   IntegerArrayValue array;
   EXPECT_QUARN_THROW(array.ArrayValue::compare(array), "Compare not implemented");
   EXPECT_QUARN_THROW(array.ArrayValue::getItemValueType(),
                      "getItemValueType() Not implemented for ArrayValue of type 'Marlix.value.IntegerArrayValue'");
-  EXPECT_QUARN_THROW(ArrayValue::newInstance(), "It is invalid to create an interface instance: Marlix.value.ArrayValue");
-}
-
-TEST(ArrayValueTest, DumpListsEveryElementBelowTheClassNameAtTheIndentation) {
+  EXPECT_QUARN_THROW(ArrayValue::newInstance(),
+                     "It is invalid to create an interface instance: Marlix.value.ArrayValue");
+  // dump lists every element below the class name, at the indentation
   WString out;
   textsOf({u"a", nullptr, u""}).dump(out, 2);
   EXPECT_EQ(str(out), u"  Marlix.value.StringArrayValue[3]\n    a\n    (null)\n    ");
@@ -168,6 +162,7 @@ TEST(ArrayValueTest, DumpListsEveryElementBelowTheClassNameAtTheIndentation) {
 }
 
 TEST(ArrayValueTest, FillFromStringFollowsTheQuotingStepsLiterally) {
+  // clang-format off
   struct Case {
     std::u16string text;
     char16_t delimiter;
@@ -175,17 +170,14 @@ TEST(ArrayValueTest, FillFromStringFollowsTheQuotingStepsLiterally) {
     std::vector<std::u16string> fields;
   } const cases[] = {
       {u"a,\" b,c \",,d", u',', true, {u"a", u"b,c", u"d"}},
-      {u"a,\" b,c \",,d", u',', false, {u"a", u"b,c", u"", u"d"}},
-      {u"\"x\"\"y\",z", u',', true, {u"x\"y", u"z"}},
+      {u"a,\" b,c \",,d", u',', false, {u"a", u"b,c", u"", u"d"}}, {u"\"x\"\"y\",z", u',', true, {u"x\"y", u"z"}},
       {u"\"\",b", u',', false, {u"\",b"}},  // the closing quote is searched one place late
-      {u"\"ab\"cd,e", u',', true, {u"ab", u"e"}},
-      {u"\"abc", u',', true, {u"abc"}},
+      {u"\"ab\"cd,e", u',', true, {u"ab", u"e"}}, {u"\"abc", u',', true, {u"abc"}},
       {u"\"a,b\"", u'"', false, {u"", u"a,b"}},  // the quote as delimiter turns quoting off
-      {u"\t x \u00A0; y\r\n", u';', true, {u"x", u"y"}},
-      {u"a,", u',', false, {u"a"}},
-      {u"a, ", u',', false, {u"a", u""}},
-      {u"", u',', false, {}},
+      {u"\t x \u00A0; y\r\n", u';', true, {u"x", u"y"}}, {u"a,", u',', false, {u"a"}},
+      {u"a, ", u',', false, {u"a", u""}}, {u"", u',', false, {}},
   };
+  // clang-format on
   for (auto const &c : cases) {
     StringArrayValue array = textsOf({u"old"});
     array.fillFromString(u16(c.text), c.delimiter, c.skipEmpty);
@@ -206,7 +198,7 @@ TEST(ArrayValueTest, EachClassConvertsTheFieldsAndAFailureKeepsWhatCameBefore) {
   EXPECT_EQ(intsIn(ints), (std::vector<int>{4, 1}));
 }
 
-TEST(ArrayValueTest, ElementXmlTextIsTheItemScalarsText) {
+TEST(ArrayValueTest, ElementsComeOutAsScalarsOfTheItemClassAndAsTheirXmlText) {
   StringArrayValue texts = textsOf({u"a<b"});
   WString text, second = u16(u"x");
   EXPECT_TRUE(texts.getIthXMLText(0, text, second));
@@ -225,16 +217,14 @@ TEST(ArrayValueTest, ElementXmlTextIsTheItemScalarsText) {
   EXPECT_QUARN_THROW_AS(bytes.getIthXMLText(1, text, second), InvalidIndexException,
                         "Invalid index 1 (last valid index 0)\nByteArrayValue::getIthValue: Tessary exception caught\n"
                         "ArrayValue::getIthXMLText: Tessary exception caught");
-}
-
-TEST(ArrayValueTest, ElementsComeOutAsScalarsOfTheItemClassOrConvertedIntoAGivenValue) {
+  // elements come out as scalars of the item class or converted into a given value
   ObjPtr<Value> item;
   arrayOf<ByteArrayValue>({200}).getIthValue(0, item);
   EXPECT_EQ(item->getClassTag(), IntegerValue::Tag);
   EXPECT_EQ(item->getInteger(), 200);
-  StringValue text;
-  arrayOf<DoubleArrayValue>({2.5}).getIthValue(0, text);
-  EXPECT_EQ(str(text.getString()), u"2.5");
+  StringValue converted;
+  arrayOf<DoubleArrayValue>({2.5}).getIthValue(0, converted);
+  EXPECT_EQ(str(converted.getString()), u"2.5");
 }
 
 }  // namespace

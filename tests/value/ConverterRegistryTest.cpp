@@ -22,11 +22,7 @@ using detail::ConverterRegistry;
 
 // Records its calls; registered by hand, not by construction.
 struct Spy final : ValueTypeConverter {
-  void convert(Value const &from, Value &to) override {
-    ++calls;
-    lastFrom = &from;
-    lastTo = &to;
-  }
+  void convert(Value const &from, Value &to) override { ++calls, lastFrom = &from, lastTo = &to; }
   int calls = 0;
   Value const *lastFrom = nullptr;
   Value *lastTo = nullptr;
@@ -34,10 +30,10 @@ struct Spy final : ValueTypeConverter {
 
 ClassTag tagNamed(std::string const &name) { return ClassTag(name.c_str()); }
 
-TEST(ConverterRegistryTest, RegistrationWaitsForTheFirstLookup) {
+TEST(ConverterRegistryTest, RegistrationWaitsForTheFirstLookupAndReplacesAKnownPairInPlace) {
   ConverterRegistry registry;
   Spy a;
-  ClassTag from = tagNamed("Test.value.QueuedFrom"), to = tagNamed("Test.value.QueuedTo");
+  ClassTag const from = tagNamed("Test.value.QueuedFrom"), to = tagNamed("Test.value.QueuedTo");
   registry.enqueue(from, to, &a);
   registry.enqueue(from, to, nullptr);
   EXPECT_EQ(registry.getPendingCount(), 2u);
@@ -47,12 +43,8 @@ TEST(ConverterRegistryTest, RegistrationWaitsForTheFirstLookup) {
   EXPECT_EQ(registry.getPendingCount(), 0u);
   EXPECT_EQ(registry.getBucketCount(), 31u);
   EXPECT_EQ(registry.getCount(), 0u);
-}
-
-TEST(ConverterRegistryTest, AKnownPairIsReplacedInPlaceAndAnUnknownRemovalDoesNothing) {
-  ConverterRegistry registry;
+  // a known pair is replaced in place and an unknown removal does nothing
   Spy first, second;
-  ClassTag from = tagNamed("Test.value.ReplaceFrom"), to = tagNamed("Test.value.ReplaceTo");
   registry.enqueue(from, to, &first);
   EXPECT_EQ(registry.find(from, to), &first);
   registry.enqueue(from, to, &second);
@@ -85,13 +77,12 @@ TEST(ConverterRegistryTest, MapGrowsTo67BucketsOnThe24thPair) {
   std::vector<ClassTag> froms;
   for (int i = 0; i < 24; ++i) froms.push_back(tagNamed("Test.value.Grow" + std::to_string(i)));
   for (int i = 0; i < 23; ++i) registry.enqueue(froms[i], to, &spy);
-  registry.find(to, to);
-  EXPECT_EQ(registry.getCount(), 23u);
-  EXPECT_EQ(registry.getBucketCount(), 31u);
-  registry.enqueue(froms[23], to, &spy);
-  registry.find(to, to);
-  EXPECT_EQ(registry.getCount(), 24u);
-  EXPECT_EQ(registry.getBucketCount(), 67u);
+  for (auto [count, buckets] : {std::pair{23u, 31u}, std::pair{24u, 67u}}) {
+    if (count == 24) registry.enqueue(froms[23], to, &spy);
+    registry.find(to, to);
+    EXPECT_EQ(registry.getCount(), count);
+    EXPECT_EQ(registry.getBucketCount(), buckets);
+  }
   for (ClassTag const &from : froms) EXPECT_EQ(registry.find(from, to), &spy);
 }
 
@@ -114,7 +105,7 @@ TEST(ConverterRegistryTest, ConcurrentRegistrationsAndFirstLookupsAreSafe) {
   EXPECT_EQ(registry.getCount(), 200u);
 }
 
-TEST(ConverterRegistryTest, SameClassAssignmentNeverConsultsTheRegistry) {
+TEST(ConverterRegistryTest, AssignToUsesTheRegisteredConverterExceptForTheSameClass) {
   ConverterRegistry *registry = ConverterRegistry::process();
   ValueTypeConverter *original = registry->find(IntegerValue::Tag, IntegerValue::Tag);
   Spy spy;
@@ -125,27 +116,21 @@ TEST(ConverterRegistryTest, SameClassAssignmentNeverConsultsTheRegistry) {
   EXPECT_EQ(spy.calls, 0);
   EXPECT_EQ(to.getInteger(), 3);
   EXPECT_EQ(registry->find(IntegerValue::Tag, IntegerValue::Tag), original);
-}
-
-TEST(ConverterRegistryTest, AssignToUsesTheRegisteredConverterUntilItIsUnregistered) {
-  Spy spy;
-  IntegerValue from(3);
-  NullValue to;
+  // another pair: assignTo uses the registered converter until it is unregistered
+  NullValue null;
   EXPECT_FALSE(from.canAssignTo(NullValue::Tag));
   Value::RegisterTypeConverter(IntegerValue::Tag, NullValue::Tag, &spy);
   EXPECT_TRUE(from.canAssignTo(NullValue::Tag));
-  from.assignTo(to);
+  from.assignTo(null);
   EXPECT_EQ(spy.calls, 1);
   EXPECT_EQ(spy.lastFrom, &from);
-  EXPECT_EQ(spy.lastTo, &to);
+  EXPECT_EQ(spy.lastTo, &null);
   Value::UnRegisterTypeConverter(IntegerValue::Tag, NullValue::Tag);
   EXPECT_FALSE(from.canAssignTo(NullValue::Tag));
-  EXPECT_QUARN_THROW(from.assignTo(to), "Could not convert from Marlix.value.IntegerValue to Marlix.value.NullValue");
+  EXPECT_QUARN_THROW(from.assignTo(null), "Could not convert from Marlix.value.IntegerValue to Marlix.value.NullValue");
   EXPECT_EQ(spy.calls, 1);
-}
-
-TEST(ConverterRegistryTest, AConverterRefusesValuesOfOtherClasses) {
-  ValueTypeConverter *toText = ConverterRegistry::process()->find(IntegerValue::Tag, StringValue::Tag);
+  // a converter refuses values of other classes
+  ValueTypeConverter *toText = registry->find(IntegerValue::Tag, StringValue::Tag);
   ASSERT_NE(toText, nullptr);
   DoubleValue notAnInteger(1.0);
   StringValue target;

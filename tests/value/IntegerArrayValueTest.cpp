@@ -1,8 +1,7 @@
 // IntegerArrayValueTest.cpp - conversions, search, order, hash and bytes of the integer array
+#include <gtest/gtest.h>
 #include <quarn/value/IntegerArrayValue.h>
 #include <quarn/value/MemoryStream.h>
-
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <climits>
@@ -36,31 +35,25 @@ TEST(IntegerArrayValueTest, ElementsConvertAsIntegers) {
   Array<WString> texts;
   Array<double> doubles;
   Array<bool> bools;
-  a.getArray(texts);
-  a.getArray(doubles);
-  a.getArray(bools);
+  a.getArray(texts), a.getArray(doubles), a.getArray(bools);
   ASSERT_EQ(texts.getSize(), 3u);
   EXPECT_EQ(str(texts[2]), u"-2147483648");
-  EXPECT_EQ(doubles[1], -5.0);
-  EXPECT_FALSE(bools[0]);
-  EXPECT_TRUE(a.getIthBoolean(1));
+  EXPECT_EQ(std::vector<double>(doubles.begin(), doubles.end()), (std::vector<double>{0, -5, INT_MIN}));
+  EXPECT_EQ(std::vector<bool>(bools.begin(), bools.end()), (std::vector<bool>{false, true, true}));
 }
 
-TEST(IntegerArrayValueTest, FindScansAfterTheStartAndGetThrowsOnAMiss) {
+TEST(IntegerArrayValueTest, FindScansAfterTheStartAcrossLongArraysAndGetThrowsOnAMiss) {
   IntegerArrayValue const a = arrayOf<IntegerArrayValue>({1, 2, 1, 3});
-  struct Case {
-    int x;
-    unsigned int start, found;
-  } const cases[] = {
+  // clang-format off
+  struct Case { int x; unsigned int start, found; } const cases[] = {
       {1, kNotFound, 0}, {1, 0, 2}, {1, 2, kNotFound}, {3, kNotFound, 3}, {3, 3, kNotFound}, {9, kNotFound, kNotFound},
   };
+  // clang-format on
   for (auto const &c : cases) EXPECT_EQ(a.find(c.x, c.start), c.found) << c.x << " after " << c.start;
   EXPECT_EQ(IntegerArrayValue().find(0), kNotFound);
   EXPECT_EQ(a.get(2), 1u);
   EXPECT_QUARN_THROW(a.get(9), "ArrayValueImpl::get, array value was not found");
-}
-
-TEST(IntegerArrayValueTest, FindAgreesWithAPlainScanAcrossLongArrays) {
+  // the scan agrees with a plain one across long arrays
   std::vector<int> v(300, 4);
   for (unsigned int pos : {0u, 15u, 16u, 63u, 64u, 299u}) {
     v[pos] = 9;
@@ -71,22 +64,19 @@ TEST(IntegerArrayValueTest, FindAgreesWithAPlainScanAcrossLongArrays) {
 }
 
 TEST(IntegerArrayValueTest, LongerArrayComparesGreaterThenTheFirstDifferenceDecidesSigned) {
-  struct Case {
-    std::vector<int> a, b;
-    int expected;
-  } const cases[] = {
-      {{1, 2, 3}, {5, 6}, 1}, {{1, 2}, {1, 3}, -1}, {{-1}, {1}, -1}, {{INT_MIN}, {INT_MAX}, -1},
-      {{}, {}, 0},           {{4, 4}, {4, 4}, 0},
+  // clang-format off
+  struct Case { std::vector<int> a, b; int expected; } const cases[] = {
+      {{1, 2, 3}, {5, 6}, 1}, {{1, 2}, {1, 3}, -1}, {{-1}, {1}, -1}, {{INT_MIN}, {INT_MAX}, -1}, {{}, {}, 0},
+      {{4, 4}, {4, 4}, 0},
   };
+  // clang-format on
   for (auto const &c : cases) {
     EXPECT_EQ(fromVector(c.a).compare(fromVector(c.b)), c.expected);
     EXPECT_EQ(fromVector(c.b).compare(fromVector(c.a)), -c.expected);
   }
   // Another class orders by name, the other's first: "Marlix.value.DoubleArrayValue" - "...IntegerArrayValue".
   EXPECT_EQ(IntegerArrayValue().compare(DoubleArrayValue()), 'D' - 'I');
-}
-
-TEST(IntegerArrayValueTest, CompareAgreesWithLexicographicOrderAtEveryPosition) {
+  // and agrees with lexicographic order at every position
   std::vector<int> const base = randomInts(150, 1);
   for (unsigned int pos = 0; pos < base.size(); pos += 7) {
     for (int delta : {-1, 1}) {

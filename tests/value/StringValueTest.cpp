@@ -17,25 +17,17 @@ StringValue text(std::u16string_view s) {
   return v;
 }
 
-TEST(StringValueTest, CoercionsReadTheWholeTextOrThrow) {
-  EXPECT_EQ(text(u" 42 ").getInteger(), 42);
-  EXPECT_EQ(text(u"-2.5").getDouble(), -2.5);
-  EXPECT_TRUE(text(u"yes").getBoolean());
-  EXPECT_QUARN_THROW(text(u"abc").getInteger(), "Cannot convert 'abc' to an integer");
+// Scalars read the whole text (ValueConversionTest); arrays of integers read it as a list.
+TEST(StringValueTest, CoercionsReadTheWholeTextAndIntegerArraysReadItAsAList) {
   EXPECT_QUARN_THROW(text(u"1 2").getDouble(), "Cannot convert '1 2' to a double");
   EXPECT_QUARN_THROW(StringValue().getInteger(), "Cannot convert '(null)' to an integer");
-}
-
-TEST(StringValueTest, IntegerArrayReadsTheTextAsAListWhileOtherArraysGetOneElement) {
-  struct Case {
-    std::u16string text;
-    std::vector<int> ints;
-  } const cases[] = {
-      {u"1, 2,3  4", {1, 2, 3, 4}},
-      {u"7", {7}},
-      {u"", {}},
+  EXPECT_EQ(str(StringValue("caf\xE9\xFF").getString()), u"caf\u00E9\u00FF");  // narrow text widens byte by byte
+  // clang-format off
+  struct Case { std::u16string text; std::vector<int> ints; } const cases[] = {
+      {u"1, 2,3  4", {1, 2, 3, 4}}, {u"7", {7}}, {u"", {}},
       {u"5 x 6", {5}},  // a bad item ends the list; the result is ignored
   };
+  // clang-format on
   for (auto const &c : cases) {
     Array<int> ints;
     ints.append(99);
@@ -48,26 +40,19 @@ TEST(StringValueTest, IntegerArrayReadsTheTextAsAListWhileOtherArraysGetOneEleme
   EXPECT_EQ(str(texts[0]), u"1 2 3");
 }
 
-TEST(StringValueTest, ComparesUnitByUnitWithNullFirst) {
+TEST(StringValueTest, ComparesUnitByUnitWithNullFirstAndHashesTheUnits) {
   StringValue null;
-  struct Case {
-    StringValue a, b;
-    int expected;
-  } const cases[] = {
-      {null, text(u""), -1},
-      {text(u""), null, 1},
-      {null, null, 0},
-      {text(u""), text(u""), 0},
-      {text(u"a"), text(u"c"), 'a' - 'c'},
-      {text(u"ab"), text(u"a"), 'b'},
+  // clang-format off
+  struct Case { StringValue a, b; int expected; } const cases[] = {
+      {null, text(u""), -1}, {text(u""), null, 1}, {null, null, 0}, {text(u""), text(u""), 0},
+      {text(u"a"), text(u"c"), 'a' - 'c'}, {text(u"ab"), text(u"a"), 'b'},
       {text(u"\uFFFF"), text(u"a"), 0xFFFF - 'a'},  // units are unsigned
   };
+  // clang-format on
   for (auto const &c : cases)
     EXPECT_EQ(c.a.compare(c.b), c.expected) << utf8(c.a.getString()) << " / " << utf8(c.b.getString());
   EXPECT_EQ(text(u"1").compare(IntegerValue(1)), 'I' - 'S');
-}
-
-TEST(StringValueTest, HashRunsOverTheUnitsUpToTheTerminator) {
+  // the hash runs over the units up to the terminator
   EXPECT_EQ(StringValue().hash(), 0u);
   EXPECT_EQ(text(u"").hash(), 0u);
   EXPECT_EQ(text(u"ab").hash(), 97u * 31u + 98u);
@@ -89,21 +74,13 @@ TEST(StringValueTest, XmlTextEscapesTheFiveSpecialCharactersAndReadsBackUnchange
   EXPECT_EQ(str(read.getString()), u"a&lt;b");
 }
 
-TEST(StringValueTest, NarrowTextIsWidenedByteByByte) {
-  EXPECT_EQ(str(StringValue("caf\xE9\xFF").getString()), u"caf\u00E9\u00FF");
-}
-
 TEST(StringValueTest, PayloadKeepsNullAndEmptyApart) {
-  struct Case {
-    StringValue value;
-    int version;
-    Bytes bytes;
-  } const cases[] = {
-      {StringValue(), 2, {0x00}},
-      {text(u""), 2, {0x04}},
-      {text(u"\u00E9"), 1, {0x08, 0xE9, 0x00}},
+  // clang-format off
+  struct Case { StringValue value; int version; Bytes bytes; } const cases[] = {
+      {StringValue(), 2, {0x00}}, {text(u""), 2, {0x04}}, {text(u"\u00E9"), 1, {0x08, 0xE9, 0x00}},
       {text(u"A\u20AC"), 2, {0x0C, 0x41, 0xE2, 0x82, 0xAC}},
   };
+  // clang-format on
   for (auto const &c : cases) {
     EXPECT_EQ(serialise(c.value, c.version), c.bytes) << utf8(c.value.getString());
     ChunkedInputStream in(c.bytes, 1, c.version);
@@ -115,10 +92,11 @@ TEST(StringValueTest, PayloadKeepsNullAndEmptyApart) {
 }
 
 TEST(StringValueTest, PoolKeepsSmallBuffersAndFreesLargeOnes) {
-  struct Case {
-    unsigned int length;
-    bool kept;
-  } const cases[] = {{10, true}, {1000, false}, {2000, false}, {500, true}};
+  // clang-format off
+  struct Case { unsigned int length; bool kept; } const cases[] = {
+      {10, true}, {1000, false}, {2000, false}, {500, true},
+  };
+  // clang-format on
   for (auto const &c : cases) {
     StringValue *v = StringValue::newInstance();
     v->getString() = u16(std::u16string(c.length, u'x'));

@@ -39,15 +39,11 @@ class Bare : public Value {
   bool defined = true;
 };
 
-TEST(ValueTest, ValueItselfCannotBeCreatedOrCloned) {
+TEST(ValueTest, ValueItselfCannotBeCreatedOrClonedAndGivesTheDefaultsOfAScalar) {
   EXPECT_QUARN_THROW(Value::newInstance(), "It is invalid to create an interface instance: Marlix.value.Value");
   EXPECT_QUARN_THROW(Value::m_class.newInstance(), "It is invalid to create an interface instance: Marlix.value.Value");
   Bare bare;
   EXPECT_QUARN_THROW(bare.clone(), "It is invalid to clone an interface: Marlix.value.Value");
-}
-
-TEST(ValueTest, DefaultsOfAScalar) {
-  Bare bare;
   EXPECT_EQ(bare.getSize(), 1u);
   EXPECT_EQ(bare.getItemValueType(), Value::Tag);
   EXPECT_STREQ(bare.getArrayValueType().getName(), "Marlix.value.ValueArrayValue");
@@ -60,11 +56,7 @@ TEST(ValueTest, DefaultsOfAScalar) {
   EXPECT_EQ(str(text), u"seven");
   EXPECT_FALSE(extra.isNull());
   EXPECT_EQ(str(extra), u"");
-}
-
-TEST(ValueTest, DumpSaysUndefinedWhenNoTextIsFound) {
-  Bare bare;
-  bare.defined = false;
+  bare.defined = false;  // dump says undefined when no text is found
   WString out = u16(u"previous");
   bare.dump(out, 0);
   EXPECT_EQ(str(out), u"undefined");
@@ -111,33 +103,21 @@ TEST(ValueTest, VirtualOperationsKeepTheirSlotOrder) {
   using V = Value;
   EXPECT_EQ(entryOf(&V::getClassTag), 0u);
   // Each run lists consecutive slots, starting at the slot given.
-  std::size_t const from4[] = {entryOf(&V::hash),      entryOf(&V::clone),       entryOf(&V::getClass),
-                               entryOf(&V::serialize), entryOf(&V::deserialize), entryOf(&V::deleteInstance)};
-  std::size_t const from12[] = {Slots::seek(),
-                                entryOf(&V::getSize),
-                                entryOf(&V::getInteger),
-                                entryOf(&V::getBoolean),
-                                entryOf(&V::getDouble),
-                                entryOf(static_cast<void (V::*)(WString &) const>(&V::getString)),
-                                entryOf(static_cast<void (V::*)(Array<WString> &) const>(&V::getArray)),
-                                entryOf(static_cast<void (V::*)(Array<double> &) const>(&V::getArray)),
-                                entryOf(static_cast<void (V::*)(Array<int> &) const>(&V::getArray)),
-                                entryOf(static_cast<void (V::*)(Array<bool> &) const>(&V::getArray)),
-                                entryOf(&V::dump),
-                                Slots::add(),
-                                Slots::remove(),
-                                entryOf(&V::getItemValueType),
-                                entryOf(&V::getArrayValueType),
-                                entryOf(&V::cloneValue),
-                                entryOf(&V::assignToSameClass),
-                                entryOf(&V::findDouble),
-                                entryOf(&V::findInteger),
-                                entryOf(&V::findBoolean),
-                                entryOf(&V::findString),
-                                entryOf(&V::compare),
-                                entryOf(&V::getXMLText),
-                                entryOf(&V::setFromXMLText),
-                                entryOf(&V::clear)};
+  // clang-format off
+  std::size_t const from4[] = {entryOf(&V::hash), entryOf(&V::clone), entryOf(&V::getClass), entryOf(&V::serialize),
+                               entryOf(&V::deserialize), entryOf(&V::deleteInstance)};
+  std::size_t const from12[] = {
+      Slots::seek(), entryOf(&V::getSize), entryOf(&V::getInteger), entryOf(&V::getBoolean), entryOf(&V::getDouble),
+      entryOf(static_cast<void (V::*)(WString &) const>(&V::getString)),
+      entryOf(static_cast<void (V::*)(Array<WString> &) const>(&V::getArray)),
+      entryOf(static_cast<void (V::*)(Array<double> &) const>(&V::getArray)),
+      entryOf(static_cast<void (V::*)(Array<int> &) const>(&V::getArray)),
+      entryOf(static_cast<void (V::*)(Array<bool> &) const>(&V::getArray)),
+      entryOf(&V::dump), Slots::add(), Slots::remove(), entryOf(&V::getItemValueType), entryOf(&V::getArrayValueType),
+      entryOf(&V::cloneValue), entryOf(&V::assignToSameClass), entryOf(&V::findDouble), entryOf(&V::findInteger),
+      entryOf(&V::findBoolean), entryOf(&V::findString), entryOf(&V::compare), entryOf(&V::getXMLText),
+      entryOf(&V::setFromXMLText), entryOf(&V::clear)};
+  // clang-format on
   for (std::size_t k = 0; k < std::size(from4); ++k) EXPECT_EQ(from4[k], 4 + k) << "slot " << 4 + k;
   for (std::size_t k = 0; k < std::size(from12); ++k) EXPECT_EQ(from12[k], 12 + k) << "slot " << 12 + k;
 }
