@@ -198,21 +198,23 @@ TEST(ByteStreamTest, AnyOtherIntegerHeaderIsTheValueShiftedRightByTwo) {
   for (Case const &c : cases) expectDecodes(hexBytes(c.bytes), c.value);
 }
 
+struct DoubleCase {
+  double value;
+  char const *bytes;
+};
+DoubleCase const kDoubles[] = {
+    {0.0, "00"},
+    {1.0, "01"},
+    {0.5, "02 00 00 00 00 00 00 E0 3F"},
+    {-1.0, "02 00 00 00 00 00 00 F0 BF"},
+    {-2.0, "02 00 00 00 00 00 00 00 C0"},
+    {DBL_MIN, "02 00 00 00 00 00 00 10 00"},
+    {INFINITY, "02 00 00 00 00 00 00 F0 7F"},
+    {std::bit_cast<double>(std::uint64_t{0x7FF8000000000001}), "02 01 00 00 00 00 00 F8 7F"},  // NaN, bits kept
+};
+
 TEST(ByteStreamTest, DoublesTagZeroAndOneAndCarryTheRestAsEightBytes) {
-  struct Case {
-    double value;
-    char const *bytes;
-  } const cases[] = {
-      {0.0, "00"},
-      {1.0, "01"},
-      {0.5, "02 00 00 00 00 00 00 E0 3F"},
-      {-1.0, "02 00 00 00 00 00 00 F0 BF"},
-      {-2.0, "02 00 00 00 00 00 00 00 C0"},
-      {DBL_MIN, "02 00 00 00 00 00 00 10 00"},
-      {INFINITY, "02 00 00 00 00 00 00 F0 7F"},
-      {std::bit_cast<double>(std::uint64_t{0x7FF8000000000001}), "02 01 00 00 00 00 00 F8 7F"},  // NaN, bits kept
-  };
-  for (auto const &c : cases) {
+  for (DoubleCase const &c : kDoubles) {
     SCOPED_TRACE(c.bytes);
     EXPECT_EQ(hex(encode(c.value)), c.bytes);
     expectDecodes(hexBytes(c.bytes), c.value);
@@ -412,6 +414,74 @@ TEST(ByteStreamTest, LongStringsRoundTripInChunks) {
       EXPECT_EQ(after, 7);
     }
   }
+}
+
+/// The index of the first byte where `bytes` differs from `expected` (their common size if none).
+std::size_t firstDifference(Bytes const &bytes, Bytes const &expected) {
+  std::size_t n = std::min(bytes.size(), expected.size());
+  return static_cast<std::size_t>(std::mismatch(bytes.begin(), bytes.begin() + n, expected.begin()).first -
+                                  bytes.begin());
+}
+
+// Long enough to grow the output buffer many times, with values ending at
+// every offset, and read back both with plenty of data after each value and
+// right at the end of the data.
+TEST(ByteStreamTest, LongRunsOfEveryFormMatchTheGoldenBytesOnEveryPath) {
+  MemoryOutputStream inlineOut;
+  MemoryOutputStream general;
+  RecordingOutputStream plain;
+  Bytes expected;
+  auto write = [&](auto value, Bytes const &bytes) {
+    inlineOut << value;
+    static_cast<iByteOutputStream &>(general) << value;
+    plain << value;
+    expected.insert(expected.end(), bytes.begin(), bytes.end());
+  };
+  constexpr int kRounds = 400;  // 43,600 bytes: the buffer grows from 256 bytes eight times
+  for (int round = 0; round < kRounds; ++round) {
+    for (IntCase const &c : kInts) write(c.value, hexBytes(c.bytes));
+    for (DoubleCase const &c : kDoubles) write(c.value, hexBytes(c.bytes));
+    write(round % 3 == 0, Bytes{round % 3 == 0});
+    write(static_cast<unsigned char>(round), Bytes{static_cast<unsigned char>(round)});
+  }
+  ASSERT_GT(expected.size(), 32768u);
+  Bytes const bytes(inlineOut.getBuffer(), inlineOut.getBuffer() + inlineOut.getSize());
+  for (Bytes const *written : {&bytes, static_cast<Bytes const *>(&plain.bytes)}) {
+    EXPECT_EQ(written->size(), expected.size());
+    EXPECT_EQ(firstDifference(*written, expected), std::min(written->size(), expected.size()));
+  }
+  ASSERT_EQ(general.getSize(), bytes.size());
+  EXPECT_TRUE(std::equal(bytes.begin(), bytes.end(), general.getBuffer()));
+
+  auto readAll = [&](char const *way, auto &in, auto &&stream) {
+    int mismatches = 0;
+    for (int round = 0; round < kRounds; ++round) {
+      for (IntCase const &c : kInts) {
+        int value = 12345;
+        stream(in) >> value;
+        mismatches += value != c.value;
+      }
+      for (DoubleCase const &c : kDoubles) {
+        double value = 42.25;
+        stream(in) >> value;
+        mismatches += !same(value, c.value);
+      }
+      bool flag = round % 3 != 0;
+      unsigned char byte = 0;
+      stream(in) >> flag >> byte;
+      mismatches += flag != (round % 3 == 0) || byte != static_cast<unsigned char>(round);
+    }
+    EXPECT_EQ(mismatches, 0) << way;
+    EXPECT_EQ(in.getPosition(), expected.size()) << way;
+  };
+  auto asInline = [](MemoryInputStream &in) -> MemoryInputStream & { return in; };
+  auto asGeneral = [](auto &in) -> iByteInputStream & { return in; };
+  MemoryInputStream inlineIn(expected.data(), static_cast<unsigned int>(expected.size()));
+  readAll("memory inline", inlineIn, asInline);
+  MemoryInputStream generalIn(expected.data(), static_cast<unsigned int>(expected.size()));
+  readAll("memory", generalIn, asGeneral);
+  ChunkedInputStream chunked(expected, 5);
+  readAll("chunk 5", chunked, asGeneral);
 }
 
 TEST(ByteStreamTest, MixedRecordReadsBackWithoutReadingAhead) {

@@ -44,12 +44,15 @@ using detail::IntCodec;
 using WString = BaseString<unsigned short>;
 
 /// The stream as one of our memory streams, or null. Only the exact classes
-/// count (they are final), checked once per call.
+/// count (they are final), checked once per call by the address of their
+/// type_info: two loads and a compare on the path every value takes. Should
+/// a stream of that class ever show a second type_info, it takes the general
+/// path, which gives the same bytes.
 MemoryOutputStream *asMemory(iByteOutputStream &out) noexcept {
-  return typeid(out) == typeid(MemoryOutputStream) ? static_cast<MemoryOutputStream *>(&out) : nullptr;
+  return &typeid(out) == &typeid(MemoryOutputStream) ? static_cast<MemoryOutputStream *>(&out) : nullptr;
 }
 MemoryInputStream *asMemory(iByteInputStream &in) noexcept {
-  return typeid(in) == typeid(MemoryInputStream) ? static_cast<MemoryInputStream *>(&in) : nullptr;
+  return &typeid(in) == &typeid(MemoryInputStream) ? static_cast<MemoryInputStream *>(&in) : nullptr;
 }
 
 // Failures: one cold place each.
@@ -75,28 +78,54 @@ std::size_t readFully(iByteInputStream &in, unsigned char *p, std::size_t count)
   return got;
 }
 
+// The fixed-size primitives. The common case (a memory stream with room, or
+// with the whole value left to read) is handled in the operator itself, which
+// then needs no stack frame; everything else is a tail call to the cold
+// functions below.
+
+/// Any stream, or a memory stream that has to grow first.
 template <class Codec>
-void put(iByteOutputStream &out, typename Codec::Type value) {
-  if (MemoryOutputStream *memory = asMemory(out)) [[likely]] {
+[[gnu::noinline]] iByteOutputStream &putSlow(iByteOutputStream &out, typename Codec::Type value) {
+  if (MemoryOutputStream *memory = asMemory(out)) {
     detail::putTo<Codec>(*memory, value);
-    return;
+    return out;
   }
   unsigned char bytes[Codec::kMax];
   out.write(bytes, static_cast<int>(Codec::encode(value, bytes)));
+  return out;
 }
 
 template <class Codec>
-typename Codec::Type get(iByteInputStream &in) {
-  typename Codec::Type value;
-  if (MemoryInputStream *memory = asMemory(in)) [[likely]] {
-    if (detail::getFrom<Codec>(*memory, value)) [[likely]]
-      return value;
+iByteOutputStream &put(iByteOutputStream &out, typename Codec::Type value) {
+  if (MemoryOutputStream *memory = asMemory(out)) [[likely]] {
+    if (detail::putToRoom<Codec>(*memory, value)) [[likely]]
+      return out;
+  }
+  return putSlow<Codec>(out, value);
+}
+
+/// Any stream, or a memory stream near its end: reads what there is and
+/// reports what ran short.
+template <class Codec>
+[[gnu::noinline]] iByteInputStream &getSlow(iByteInputStream &in, typename Codec::Type &value) {
+  if (MemoryInputStream *memory = asMemory(in)) {
+    if (detail::getFrom<Codec>(*memory, value)) return in;
   }  // short: the reads below run into the end and report it
   unsigned char bytes[Codec::kMax];
   if (readFully(in, bytes, 1) != 1) fail(Codec::kHeaderEof);
   unsigned int size = Codec::size(bytes[0]);
   if (size > 1 && readFully(in, bytes + 1, size - 1) != size - 1) fail(Codec::bodyEof(bytes[0]));
-  return Codec::decode(bytes);
+  value = Codec::decode(bytes);
+  return in;
+}
+
+template <class Codec>
+iByteInputStream &get(iByteInputStream &in, typename Codec::Type &value) {
+  if (MemoryInputStream *memory = asMemory(in)) [[likely]] {
+    if (detail::getWide<Codec>(*memory, value)) [[likely]]
+      return in;
+  }
+  return getSlow<Codec>(in, value);
 }
 
 // ---------------------------------------------------------------------------
@@ -421,22 +450,10 @@ void readRaw(iByteInputStream &in, WString &value, unsigned int total) {
 
 }  // namespace
 
-iByteOutputStream &operator<<(iByteOutputStream &out, int value) {
-  put<IntCodec>(out, value);
-  return out;
-}
-iByteOutputStream &operator<<(iByteOutputStream &out, double value) {
-  put<DoubleCodec>(out, value);
-  return out;
-}
-iByteOutputStream &operator<<(iByteOutputStream &out, bool value) {
-  put<BoolCodec>(out, value);
-  return out;
-}
-iByteOutputStream &operator<<(iByteOutputStream &out, unsigned char value) {
-  put<ByteCodec>(out, value);
-  return out;
-}
+iByteOutputStream &operator<<(iByteOutputStream &out, int value) { return put<IntCodec>(out, value); }
+iByteOutputStream &operator<<(iByteOutputStream &out, double value) { return put<DoubleCodec>(out, value); }
+iByteOutputStream &operator<<(iByteOutputStream &out, bool value) { return put<BoolCodec>(out, value); }
+iByteOutputStream &operator<<(iByteOutputStream &out, unsigned char value) { return put<ByteCodec>(out, value); }
 
 iByteOutputStream &operator<<(iByteOutputStream &out, WString const &value) {
   unsigned short const *units = value.getBuffer();
@@ -462,25 +479,14 @@ iByteOutputStream &operator<<(iByteOutputStream &out, WString const &value) {
   failNumber("iByteOutputStream::String: Unknown serialization version %d\n", version);
 }
 
-iByteInputStream &operator>>(iByteInputStream &in, int &value) {
-  value = get<IntCodec>(in);
-  return in;
-}
-iByteInputStream &operator>>(iByteInputStream &in, double &value) {
-  value = get<DoubleCodec>(in);
-  return in;
-}
-iByteInputStream &operator>>(iByteInputStream &in, bool &value) {
-  value = get<BoolCodec>(in);
-  return in;
-}
-iByteInputStream &operator>>(iByteInputStream &in, unsigned char &value) {
-  value = get<ByteCodec>(in);
-  return in;
-}
+iByteInputStream &operator>>(iByteInputStream &in, int &value) { return get<IntCodec>(in, value); }
+iByteInputStream &operator>>(iByteInputStream &in, double &value) { return get<DoubleCodec>(in, value); }
+iByteInputStream &operator>>(iByteInputStream &in, bool &value) { return get<BoolCodec>(in, value); }
+iByteInputStream &operator>>(iByteInputStream &in, unsigned char &value) { return get<ByteCodec>(in, value); }
 
 iByteInputStream &operator>>(iByteInputStream &in, WString &value) {
-  int n = get<IntCodec>(in);
+  int n;
+  get<IntCodec>(in, n);
   if (n < 2) {
     if (n == 0)
       value.setNull();

@@ -19,6 +19,8 @@
 #include <quarn/value/ByteCodec.h>
 #include <quarn/value/ByteStream.h>
 
+#include <cstddef>
+
 namespace quarn {
 
 /// A stream that collects its bytes in memory. Not thread-safe; not copyable.
@@ -34,32 +36,45 @@ class QUARN_API MemoryOutputStream final : public iByteOutputStream {
 
   /// The bytes written so far (null before the first byte).
   unsigned char const *getBuffer() const noexcept { return m_data; }
-  unsigned int getSize() const noexcept { return m_size; }
+  unsigned int getSize() const noexcept { return static_cast<unsigned int>(m_tail - m_data); }
   /// Forgets the bytes; the buffer is kept for the next writes.
-  void clear() noexcept { m_size = 0; }
+  void clear() noexcept { m_tail = m_data; }
 
   /// Room for `count` more bytes at the end, valid until the next call that
   /// writes; commitTail(n) then appends the first n of them.
   unsigned char *reserveTail(unsigned int count) {
-    if (m_capacity - m_size < count) [[unlikely]]
-      grow(count);
-    return m_data + m_size;
+    if (!hasRoom(count)) [[unlikely]]
+      return reserveSlow(count);
+    return m_tail;
   }
-  void commitTail(unsigned int count) noexcept { m_size += count; }
+  void commitTail(unsigned int count) noexcept { m_tail += count; }
+  /// commitTail() up to `end`, a point inside the room reserveTail() gave.
+  void commitTailTo(unsigned char *end) noexcept { m_tail = end; }
+  /// Whether reserveTail(count) can be met without growing the buffer.
+  bool hasRoom(unsigned int count) const noexcept {
+    // A primitive's few bytes: one compare against a limit kept for them.
+    return count <= kShortRoom ? m_tail < m_shortLimit : static_cast<std::size_t>(m_limit - m_tail) >= count;
+  }
 
  private:
+  static constexpr unsigned int kShortRoom = 16;
+  unsigned char *reserveSlow(unsigned int count);
   void grow(unsigned int count);
 
+  // The written bytes are [m_data, m_tail), the room after them [m_tail, m_limit).
+  // Pointers rather than counts: the inline coders then keep m_tail in a register.
+  // While m_tail is below m_shortLimit there is room for kShortRoom bytes.
   unsigned char *m_data = nullptr;
-  unsigned int m_size = 0;
-  unsigned int m_capacity = 0;
+  unsigned char *m_tail = nullptr;
+  unsigned char *m_limit = nullptr;
+  unsigned char *m_shortLimit = nullptr;
 };
 
 /// A stream that reads a caller's buffer. Not thread-safe.
 class QUARN_API MemoryInputStream final : public iByteInputStream {
  public:
   MemoryInputStream(void const *data, unsigned int size, int version = 2) noexcept
-      : m_data(static_cast<unsigned char const *>(data)), m_size(data ? size : 0) {
+      : m_data(static_cast<unsigned char const *>(data)), m_cursor(m_data), m_end(data ? m_data + size : m_data) {
     this->version = version;
   }
   ~MemoryInputStream() override;
@@ -68,18 +83,20 @@ class QUARN_API MemoryInputStream final : public iByteInputStream {
   int read(void *data, int count) override;
 
   /// Bytes consumed so far.
-  unsigned int getPosition() const noexcept { return m_position; }
-  unsigned int getSize() const noexcept { return m_size; }
+  unsigned int getPosition() const noexcept { return static_cast<unsigned int>(m_cursor - m_data); }
+  unsigned int getSize() const noexcept { return static_cast<unsigned int>(m_end - m_data); }
 
   /// The unread bytes: getRemaining() of them from getCursor(); skip(n) consumes n (at most all).
-  unsigned char const *getCursor() const noexcept { return m_data + m_position; }
-  unsigned int getRemaining() const noexcept { return m_size - m_position; }
-  void skip(unsigned int count) noexcept { m_position += count < m_size - m_position ? count : m_size - m_position; }
+  unsigned char const *getCursor() const noexcept { return m_cursor; }
+  unsigned int getRemaining() const noexcept { return static_cast<unsigned int>(m_end - m_cursor); }
+  void skip(unsigned int count) noexcept { m_cursor += count < getRemaining() ? count : getRemaining(); }
+  /// skip() for a count known to be at most getRemaining().
+  void advance(unsigned int count) noexcept { m_cursor += count; }
 
  private:
   unsigned char const *m_data;
-  unsigned int m_size;
-  unsigned int m_position = 0;
+  unsigned char const *m_cursor;
+  unsigned char const *m_end;
 };
 
 namespace detail {
@@ -87,25 +104,43 @@ namespace detail {
 /// Encodes one fixed-size primitive straight into the buffer.
 template <class Codec>
 inline void putTo(MemoryOutputStream &out, typename Codec::Type value) {
-  out.commitTail(Codec::encode(value, out.reserveTail(Codec::kMax)));
+  // The new end is stored as computed, not added to a reloaded m_tail, so
+  // nothing depends on whether the encoder's stores could have changed it.
+  unsigned char *p = out.reserveTail(Codec::kMax);
+  out.commitTailTo(p + Codec::encode(value, p));
+}
+
+/// putTo() when the buffer has room without growing; false (nothing written) otherwise.
+template <class Codec>
+inline bool putToRoom(MemoryOutputStream &out, typename Codec::Type value) {
+  if (!out.hasRoom(Codec::kMax)) return false;
+  putTo<Codec>(out, value);  // reserves without growing
+  return true;
+}
+
+/// Decodes one fixed-size primitive when kMax bytes or more are left (so all
+/// of it is there); false (nothing consumed) otherwise.
+template <class Codec>
+inline bool getWide(MemoryInputStream &in, typename Codec::Type &value) noexcept {
+  if (in.getRemaining() < Codec::kMax) return false;
+  unsigned char const *p = in.getCursor();
+  unsigned int size = Codec::size(p[0]);
+  value = Codec::decodeWide(p);
+  in.advance(size);
+  return true;
 }
 
 /// Decodes one fixed-size primitive from the buffer; false (nothing consumed)
 /// when the buffer does not hold all of it, for the caller to report.
 template <class Codec>
 inline bool getFrom(MemoryInputStream &in, typename Codec::Type &value) {
+  if (getWide<Codec>(in, value)) [[likely]]
+    return true;
   unsigned int left = in.getRemaining();
-  if (left == 0) [[unlikely]]
-    return false;
   unsigned char const *p = in.getCursor();
-  unsigned int size = Codec::size(p[0]);
-  if (left >= Codec::kMax) [[likely]] {
-    value = Codec::decodeWide(p);
-  } else {
-    if (size > left) return false;
-    value = Codec::decode(p);
-  }
-  in.skip(size);
+  if (left == 0 || Codec::size(p[0]) > left) return false;
+  value = Codec::decode(p);
+  in.advance(Codec::size(p[0]));
   return true;
 }
 
