@@ -22,10 +22,6 @@
 #include <cstdint>
 #include <cstring>
 
-#ifdef __SSE2__
-#include <emmintrin.h>
-#endif
-
 namespace quarn::detail {
 
 // Little-endian byte order whatever the host's: one plain load or store on
@@ -135,22 +131,22 @@ struct DoubleCodec {
   static constexpr unsigned int kMax = 16;  // 9 on the wire, two words stored
   static constexpr char const *kHeaderEof = "EOF reading byte";
   static unsigned int encode(double value, unsigned char *p) noexcept {
+    // Classified on the bits, with no floating-point compare and no branch
+    // (real data mixes the forms at random): the long form, replaced by the
+    // one-byte form for 0.0, -0.0 (only the sign bit set) and 1.0. A NaN is
+    // neither and keeps its bits.
     std::uint64_t bits = std::bit_cast<std::uint64_t>(value);
-    unsigned int form = formOf(value);
-    putWord(p, bits << 8 | (form - 1));  // the header and the first 7 bytes
-    putWord(p + 8, bits >> 56);          // the last byte
-    return kSizes[form];
-  }
-  /// The header plus one: 1 for 0.0 and -0.0, 2 for 1.0, else 3 (a NaN
-  /// compares unequal to both). Counted from both comparisons at once rather
-  /// than chosen by branches, since real data mixes the forms at random.
-  static unsigned int formOf(double value) noexcept {
-#ifdef __SSE2__
-    // Bit 0: value != 1.0, bit 1: value != 0.0.
-    return static_cast<unsigned int>(_mm_movemask_pd(_mm_cmpneq_pd(_mm_set1_pd(value), _mm_set_pd(0.0, 1.0))));
-#else
-    return (value != 1.0) | (value != 0.0) << 1;
-#endif
+    bool zero = (bits << 1) == 0;
+    bool one = bits == 0x3FF0000000000000ull;
+    std::uint64_t head = bits << 8 | 0x02;  // the header and the first 7 bytes
+    unsigned int size = 9;
+    if (zero | one) {
+      head = one;  // 00 or 01
+      size = 1;
+    }
+    putWord(p, head);
+    putWord(p + 8, bits >> 56);  // the last byte
+    return size;
   }
   static unsigned int size(unsigned char header) noexcept { return header <= 0x01 ? 1 : 9; }
   static double decode(unsigned char const *p) noexcept {
@@ -160,7 +156,6 @@ struct DoubleCodec {
     double bits = std::bit_cast<double>(get64(p + 1));
     return p[0] == 0x00 ? 0.0 : p[0] == 0x01 ? 1.0 : bits;
   }
-  static constexpr unsigned char kSizes[4] = {9, 1, 1, 9};  // by form; 0 cannot happen
   static char const *bodyEof(unsigned char) noexcept { return "EOF reading double"; }
 };
 
