@@ -34,6 +34,7 @@ TEST(RegistrationFileTest, VersionInUseIsTheLastBeforeAGapAndFilesAreNamedByTheF
     EXPECT_EQ(text(CClassRegistryFile::GetFilePath(tag)), scratch.path(c.version));
     bool registered = c.present.count(c.version) != 0;
     EXPECT_EQ(quarn::isClassNameRegistered(scratch.c_str()), registered);
+    EXPECT_EQ(CClassRegistryFile::Exists(scratch.c_str()), registered);  // by name, as spelled
     if (registered) {
       EXPECT_EQ(text(imported(scratch).server), "/v" + std::to_string(c.version));
     }

@@ -158,6 +158,7 @@ TEST(ValueArrayValueTest, BadClassNamesFailClearlyAtEachNestingLevelAndLeaveNoth
   // clang-format on
   ValueArrayValue const before = valuesOf(IntegerValue(3));
   long const baseline = liveInstances();
+  int const tags = ClassTag::getNumClassTags();
   for (auto const &c : cases) {
     {
       ValueArrayValue target(before);
@@ -168,6 +169,7 @@ TEST(ValueArrayValueTest, BadClassNamesFailClearlyAtEachNestingLevelAndLeaveNoth
     EXPECT_EQ(liveInstances(), baseline) << c.message;
   }
   EXPECT_EQ(NotAValue::live, 0);
+  EXPECT_EQ(ClassTag::getNumClassTags(), tags);  // unknown names were not interned
   ValueArrayValue target;  // a name that could escape the classes folder is refused
   ChunkedInputStream in(golden("04") + nameFrame("../x"), 8);
   try {

@@ -50,14 +50,16 @@ int versionOf(BaseString<char> const &base) {
   return n - 1;
 }
 
-// <classes folder>/<name as interned>, without version or extension.
-BaseString<char> basePath(ClassTag const &tag) {
-  CClassRegistryFile::ValidateClassName(tag.getName());
+// <classes folder>/<name>, without version or extension.
+BaseString<char> basePath(char const *name) {
+  CClassRegistryFile::ValidateClassName(name);
   BaseString<char> path = CClassRegistryFile::GetClassesDirectory();
   path.append('/');
-  path.append(tag.getName(), static_cast<unsigned int>(std::strlen(tag.getName())));
+  path.append(name, static_cast<unsigned int>(std::strlen(name)));
   return path;
 }
+// The same for a tag: its name as first interned.
+BaseString<char> basePath(ClassTag const &tag) { return basePath(tag.getName()); }
 
 [[noreturn]] void throwNotRegistered(ClassTag const &tag, BaseString<char> const &path) {
   throw Exception("Component %hs is not registered.\nFile does not exist: %ls.", tag.getName(), wide(path).getBuffer());
@@ -290,6 +292,11 @@ BaseString<char> CClassRegistryFile::GetFilePath(ClassTag const &tag) {
 }
 
 bool CClassRegistryFile::Exists(ClassTag const &tag) { return fileExists(GetFilePath(tag)); }
+
+bool CClassRegistryFile::Exists(char const *name) {
+  BaseString<char> base = basePath(name);
+  return fileExists(versionedPath(base, versionOf(base)));
+}
 
 void CClassRegistryFile::ExportDataFile(CZedClassInfo const &info) {
   detail::annotated(kClassName, "ExportDataFile", [&] {

@@ -150,6 +150,12 @@ void ClassTag::Init(char const *name) {
 
 int ClassTag::getHash() const noexcept { return static_cast<int>(hashName(m_name)); }
 
+bool ClassTag::isInterned(char const *name) {
+  Registry &r = registry();
+  std::lock_guard lock(r.mutex);
+  return r.byName.find(name ? name : "") != nullptr;
+}
+
 int ClassTag::getNumClassTags() {
   Registry *r = g_registry;
   if (!r) return 0;

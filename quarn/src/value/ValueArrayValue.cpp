@@ -1,5 +1,6 @@
 // ValueArrayValue.cpp - owned elements of any class, their order, hash and named payload
 #include <quarn/core/Annotate.h>
+#include <quarn/core/CClassRegistryFile.h>
 #include <quarn/core/Class.h>
 #include <quarn/value/ByteStream.h>
 #include <quarn/value/NullValue.h>
@@ -84,8 +85,12 @@ BaseString<char> readClassName(iByteInputStream &in, unsigned int index) {
   return name;
 }
 
-/// A new value of the class named `name`, made by name.
+/// A new value of the class named `name`, made by name. A name that is
+/// neither known nor registered is refused before it is interned, so that
+/// hostile data cannot fill the tag registry with names.
 Value *makeByName(BaseString<char> const &name) {
+  if (!ClassTag::isInterned(name.getBuffer()) && !CClassRegistryFile::Exists(name.getBuffer())) [[unlikely]]
+    throw Exception("Class %hs not registered.", name.getBuffer());
   ObjPtr<Object> made(Class::getClassInstance(ClassTag(name.getBuffer())));
   auto *value = static_cast<Value *>(made->findAs(Value::Tag));
   if (!value) [[unlikely]]

@@ -62,6 +62,9 @@ class QUARN_API CClassRegistryFile {
   static BaseString<char> GetFilePath(ClassTag const &tag);
   /// Whether the registration file in use exists.
   static bool Exists(ClassTag const &tag);
+  /// Exists() for a name spelled as given, without interning it (for names
+  /// read from untrusted data); an invalid name throws as ValidateClassName does.
+  static bool Exists(char const *name);
 
   /// Writes `info` as the registration file in use of the class `info.progid`,
   /// creating the classes folder when needed. "Failed to open file <path> for

@@ -60,6 +60,8 @@ class QUARN_API ClassTag {
 
   /// Number of names interned.
   static int getNumClassTags();
+  /// Whether `name` (in any letter case) is interned already; interns nothing.
+  static bool isInterned(char const *name);
 
   /// The bound class or null; an id out of range (the empty tag too) throws InvalidIndexException.
   Class *findClass() const;
