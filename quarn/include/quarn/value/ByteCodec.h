@@ -12,8 +12,9 @@
 //
 // Encoders choose the form by lookup or by counting, never by branching:
 // real data mixes the forms at random, and a mispredicted branch costs more
-// than the whole encoding. They write in as few stores as they can: the int
-// and the double's eight bytes as one unaligned 64-bit word each (putWord).
+// than the whole encoding. They write whole unaligned 64-bit words (putWord),
+// never single bytes: an int as one word, a double as two (kMax counts the
+// bytes stored, which may exceed the bytes on the wire).
 // Decoders keep their branches on the header instead (see IntCodec).
 #pragma once
 
