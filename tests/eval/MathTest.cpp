@@ -95,6 +95,16 @@ TEST(MathTest, ChiSquareOfANegativeValueIsNaN) {
   EXPECT_DOUBLE_EQ(Math::chiQ_26_4_5(0, 4), 1.0);
 }
 
+TEST(MathTest, DegreesBelowOneAreNotCheckedButStayDefined) {
+  // The sums run no terms; the sanitizer build checks that the bounds do not overflow.
+  for (int v : {INT_MIN, -2}) EXPECT_NEAR(Math::chiQ_26_4_5(2, v), std::exp(-1.0), 1e-15) << v;
+  for (int v : {INT_MIN + 1, -1}) EXPECT_EQ(Math::chiQ_26_4_4(2, v), Math::chiQ_26_4_4(2, 1)) << v;
+  for (int v : {INT_MIN, -1}) {
+    EXPECT_TRUE(std::isnan(Math::a_26_7_3(1, v))) << v;
+    EXPECT_TRUE(std::isnan(Math::a_26_7(1, v))) << v;
+  }
+}
+
 TEST(MathTest, WilsonHilfertyFollowsTheTailForManyDegrees) {
   for (Reference const &r : test::kChiSquareManyDegrees) {
     // Cube-root approximation: within 5e-4 from 31 degrees on this grid.

@@ -60,8 +60,8 @@ double Math::chiQ_26_4_4(double x, int v) {
   double const chi = std::sqrt(x);
   double term = chi;
   double sum = chi;  // the first term, kept even for v = 1
-  for (int r = 2; r <= (v - 1) / 2; ++r) {
-    term *= x / (2 * r - 1);
+  for (long long r = 2; r <= (v - 1LL) / 2; ++r) {
+    term *= x / (2.0 * static_cast<double>(r) - 1);
     sum += term;
   }
   return 2 * q_26_2_17(chi) + 2 * z_26_2_1(chi) * sum;
@@ -71,8 +71,8 @@ double Math::chiQ_26_4_5(double x, int v) {
   double const chi = std::sqrt(x);
   double term = 1;
   double sum = 1;
-  for (int r = 1; r <= (v - 2) / 2; ++r) {
-    term *= x / (2 * r);
+  for (long long r = 1; r <= (v - 2LL) / 2; ++r) {
+    term *= x / (2.0 * static_cast<double>(r));
     sum += term;
   }
   return z_26_2_1(chi) * sum * kSqrtTwoPi;
@@ -99,8 +99,8 @@ double Math::a_26_7_3(double t, int v) {
   if (v % 2 == 0) {
     double term = 1;
     double sum = 1;
-    for (int k = 2; k <= v - 2; k += 2) {
-      term *= (k - 1.0) / k * cos2;
+    for (long long k = 2; k <= v - 2LL; k += 2) {
+      term *= (k - 1.0) / static_cast<double>(k) * cos2;
       sum += term;
     }
     return std::sin(theta) * sum;
@@ -108,8 +108,8 @@ double Math::a_26_7_3(double t, int v) {
   if (v == 1) return theta * kTwoOverPi;
   double term = std::cos(theta);
   double sum = term;
-  for (int k = 3; k <= v - 2; k += 2) {
-    term *= (k - 1.0) / k * cos2;
+  for (long long k = 3; k <= v - 2LL; k += 2) {
+    term *= (k - 1.0) / static_cast<double>(k) * cos2;
     sum += term;
   }
   return (theta + std::sin(theta) * sum) * kTwoOverPi;

@@ -24,11 +24,12 @@
 //   gives 2 Q(sqrt x) + 2 sqrt(x) Z(sqrt x), which is the tail for 3 degrees.
 // - a_26_7_7's second term divides by |t|^(v+1).
 //
-// Nothing throws. Arguments outside a formula's domain give what the
-// arithmetic gives: a negative chi-square value is NaN (through its square
-// root), a degree of freedom of 0 or less gives NaN or an infinity, and
-// a_26_7_7 outside v = 1..5 (where its coefficients end) is NaN.
-// Degrees of freedom are `int`, everything else double.
+// Nothing throws, and arguments are not checked: outside a formula's domain
+// the result is what the arithmetic gives. A negative chi-square value gives
+// NaN (through its square root), degrees of freedom below 1 give numbers
+// without meaning, and a_26_7_7 outside v = 1..5, where its coefficients end,
+// gives NaN. The exact sums take time in proportion to v. Degrees of freedom
+// are `int`, everything else double.
 #pragma once
 
 #include <quarn/core/Export.h>
@@ -102,7 +103,8 @@ class QUARN_API Math {
   static double getCorrelationCoefficient(Array<double> const &x, Array<double> const &y);
   /// Writes the elements on one line as "[e0, e1, ...]" and a newline, each
   /// element in the shortest text that reads back to the same double ("0.1",
-  /// "-0", "1e+21", "nan", "inf"); an empty array gives "[]".
+  /// "-0", "1e+21", "nan", "inf"); an empty array gives "[]". `out` must be
+  /// an open stream.
   static void print(Array<double> const &values, std::FILE *out = stdout);
 };
 
