@@ -79,3 +79,14 @@
 #include <quarn/value/ValueArrayValue.h>
 #include <quarn/value/ValueGlue.h>
 #include <quarn/value/ValueTypeConverter.h>
+
+// data: property type names
+#include <quarn/data/VariableType.h>
+
+// eval: statistical functions
+#include <quarn/eval/Math.h>
+
+// util: text encodings
+#include <quarn/util/NameEncoding.h>
+#include <quarn/util/TextEncoding.h>
+#include <quarn/util/TimeStamp.h>
