@@ -8,20 +8,18 @@
 #include <quarn/value/RecordFileWriter.h>
 #include <quarn/value/StringValue.h>
 #include <quarn/value/ValueArrayValue.h>
-#include <unistd.h>
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "Tool.h"
+#include "support/ScratchFile.h"
 
 namespace {
 
 using quarn::ObjPtr;
+using quarn::test::ScratchFile;
 
 struct Result {
   int status;
@@ -44,20 +42,6 @@ std::vector<std::string> lines(std::string const &text) {
   return out;
 }
 
-struct ScratchFile {
-  std::string path = (std::filesystem::temp_directory_path() / ("quarn-dump-" + std::to_string(::getpid()))).string();
-  ~ScratchFile() { std::filesystem::remove(path); }
-  void cut(std::size_t size) const { std::filesystem::resize_file(path, size); }
-  void flip(std::size_t at) const {
-    std::fstream f(path, std::ios::in | std::ios::out | std::ios::binary);
-    f.seekg(static_cast<std::streamoff>(at));
-    char c;
-    f.get(c);
-    f.seekp(static_cast<std::streamoff>(at));
-    f.put(static_cast<char>(c ^ 0xFF));
-  }
-};
-
 /// Record n of the example host: its count, greeting, ratio, series and flags.
 ObjPtr<quarn::ValueArrayValue> demoRecord(int n) {
   ObjPtr<quarn::ValueArrayValue> record(quarn::ValueArrayValue::newInstance());
@@ -71,6 +55,7 @@ ObjPtr<quarn::ValueArrayValue> demoRecord(int n) {
   *ratio = n / 8.0;
   record->appendValue(ratio.detach());
   ObjPtr<quarn::DoubleArrayValue> series(quarn::DoubleArrayValue::newInstance());
+  // Record 2 has a longer series than the host makes, to show arrays shortened.
   for (int i = 0; i <= n % 4 + (n == 2 ? 8 : 0); ++i) series->append(i * 0.5);
   record->appendValue(series.detach());
   ObjPtr<quarn::BitsetValue> flags(quarn::BitsetValue::newInstance());
@@ -89,7 +74,7 @@ void writeDemo(std::string const &path, int records) {
 std::string const kHeaderLine = ": record file, format 1, stream version 2, written by libquarn ";
 
 TEST(DumpTest, PrintsEachRecordOfTheDemoFileWithItsElements) {
-  ScratchFile file;
+  ScratchFile file("dump");
   writeDemo(file.path, 3);
   Result result = quarnDump({file.path});
   EXPECT_EQ(result.status, 0);
@@ -122,7 +107,7 @@ TEST(DumpTest, PrintsEachRecordOfTheDemoFileWithItsElements) {
 }
 
 TEST(DumpTest, ReportsDamageWithTheRecordAndOffsetAndGoesOn) {
-  ScratchFile file;
+  ScratchFile file("dump");
   writeDemo(file.path, 3);
   file.flip(24 + 12 + 40);  // in record 0's payload
   file.flip(229);           // record 1's length
@@ -140,7 +125,7 @@ TEST(DumpTest, ReportsDamageWithTheRecordAndOffsetAndGoesOn) {
 }
 
 TEST(DumpTest, RawShowsTheFramingWithoutMakingAnything) {
-  ScratchFile file;
+  ScratchFile file("dump");
   writeDemo(file.path, 1);
   Result result = quarnDump({"--raw", file.path});
   EXPECT_EQ(result.status, 0) << result.err;
@@ -167,7 +152,7 @@ TEST(DumpTest, RawShowsTheFramingWithoutMakingAnything) {
 }
 
 TEST(DumpTest, ReadsBareValueArraysUpToWhereTheyStop) {
-  ScratchFile file;
+  ScratchFile file("dump");
   {
     quarn::FileOutputStream out(file.path.c_str());
     demoRecord(0)->serialize(out);

@@ -6,39 +6,16 @@
 #include <quarn/value/RecordFileWriter.h>
 #include <quarn/value/StringValue.h>
 #include <quarn/value/ValueArrayValue.h>
-#include <unistd.h>
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
 #include "support/ExpectThrow.h"
+#include "support/ScratchFile.h"
 #include "value/GoldenBytes.h"
 
 namespace quarn::test {
 namespace {
-
-/// A file of its own in the temporary folder, removed afterwards.
-struct ScratchFile {
-  std::string path;
-  explicit ScratchFile(char const *name)
-      : path((std::filesystem::temp_directory_path() /
-              ("quarn-" + std::to_string(::getpid()) + "-" + name + ".qrf")).string()) {
-    std::filesystem::remove(path);
-  }
-  ~ScratchFile() { std::filesystem::remove(path); }
-  Bytes bytes() const {
-    std::ifstream in(path, std::ios::binary);
-    return Bytes(std::istreambuf_iterator<char>(in), {});
-  }
-  void write(Bytes const &bytes) const {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    out.write(reinterpret_cast<char const *>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-  }
-  char const *c_str() const { return path.c_str(); }
-};
 
 ObjPtr<IntegerValue> integer(int v) {
   ObjPtr<IntegerValue> value(IntegerValue::newInstance());
