@@ -97,7 +97,7 @@ std::string listed(unsigned int count, Item item) {
 std::string textOf(Value const &value) {
   if (auto const *array = static_cast<ArrayValue const *>(value.findAs(ArrayValue::Tag))) {
     unsigned int n = array->getSize();
-    return "[" + std::to_string(n) + "] " + listed(n, [&](unsigned int i) {
+    return "[" + std::to_string(n) + "]" + (n ? " " : "") + listed(n, [&](unsigned int i) {
              WString text;
              array->getIthString(i, text);
              return shortened(utf8(text));
