@@ -1,6 +1,7 @@
 // DumpTest.cpp - `quarn dump`: record files and bare value streams as text, damage on stderr
 #include <gtest/gtest.h>
 #include <quarn/value/BitsetValue.h>
+#include <quarn/value/Crc32c.h>
 #include <quarn/value/DoubleArrayValue.h>
 #include <quarn/value/DoubleValue.h>
 #include <quarn/value/FileStream.h>
@@ -149,6 +150,42 @@ TEST(DumpTest, RawShowsTheFramingWithoutMakingAnything) {
   std::vector<std::string> got = lines(result.out);
   ASSERT_EQ(got.size(), expected.size() + 1) << result.out;
   for (std::size_t i = 0; i < expected.size(); ++i) EXPECT_EQ(got[i + 1], expected[i]) << "line " << i + 2;
+}
+
+TEST(DumpTest, RawReadsRecordsOfClassesNobodyServes) {
+  ScratchFile file("dump");
+  quarn::RecordFileWriter(file.c_str()).close();
+  std::vector<unsigned char> bytes = file.bytes();
+  bytes.resize(24);  // the header; then one record of class Marlix.test.Gone holding 01 02, and its end marker
+  std::string const payload = std::string("\x01\x11", 2) + "Marlix.test.Gone" + "\x01\x02";
+  unsigned char frame[16] = {static_cast<unsigned char>(payload.size())};
+  auto put = [&](unsigned char *p, std::uint32_t v) {
+    for (int i = 0; i < 4; ++i) p[i] = static_cast<unsigned char>(v >> 8 * i);
+  };
+  put(frame + 4, quarn::util::crc32c(payload.data(), payload.size()));
+  put(frame + 8, quarn::util::crc32c(frame, 8));
+  bytes.insert(bytes.end(), frame, frame + 12);
+  bytes.insert(bytes.end(), payload.begin(), payload.end());
+  unsigned char marker[16] = {0xFF, 0xFF, 0xFF, 0xFF, 1};
+  put(marker + 12, quarn::util::crc32c(marker, 12));
+  bytes.insert(bytes.end(), marker, marker + 16);
+  file.write(bytes);
+
+  Result raw = quarnDump({file.path, "--raw"});
+  EXPECT_EQ(raw.status, 0) << raw.err;
+  std::vector<std::string> const expected = {
+      "record 0 at offset 24, 20 bytes, checksum ok",
+      "        36  01 11                                           name Marlix.test.Gone",
+      "        54  01 02                                           |..|",
+      "end of file at offset 72: 1 record read",
+  };
+  std::vector<std::string> got = lines(raw.out);
+  ASSERT_EQ(got.size(), expected.size() + 1) << raw.out;
+  for (std::size_t i = 0; i < expected.size(); ++i) EXPECT_EQ(got[i + 1], expected[i]);
+  Result made = quarnDump({file.path});
+  EXPECT_EQ(made.status, 1);
+  EXPECT_EQ(made.err, "quarn dump: " + file.path + ": Record 0 at offset 24: Class Marlix.test.Gone not registered.\n");
+  EXPECT_EQ(lines(made.out).back(), "end of file at offset 72: 0 records read, 1 damaged");
 }
 
 TEST(DumpTest, ReadsBareValueArraysUpToWhereTheyStop) {

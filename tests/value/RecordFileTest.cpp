@@ -62,9 +62,10 @@ Outcome readAll(Bytes const &bytes) {
 }
 
 // The three-record file the damage tests use: 7, 300, -5. Its records are
-// at 24 (28 payload bytes), 64 (30) and 106 (28); its end marker at 146.
+// at 24 (28 payload bytes), 64 (30) and 106 (28); its end marker at 146; its
+// end at 162.
 std::vector<int> const kThree = {7, 300, -5};
-constexpr std::size_t kRecordOffsets[] = {24, 64, 106, 146};
+constexpr std::size_t kRecordOffsets[] = {24, 64, 106, 146, 162};
 
 Bytes threeRecords() {
   ScratchFile file("three");
@@ -244,7 +245,7 @@ std::string at(std::size_t record) {
 
 TEST(RecordFileTest, AFlippedByteAnywhereLosesOnlyItsOwnRecordAndIsReportedWhereItIs) {
   Bytes const good = threeRecords();
-  ASSERT_EQ(good.size(), kRecordOffsets[3] + 16);
+  ASSERT_EQ(good.size(), kRecordOffsets[4]);
   for (std::size_t pos = 24; pos < good.size(); ++pos) {
     Bytes bad = good;
     bad[pos] ^= 0xFF;
