@@ -159,7 +159,8 @@ void useValues() {
   }
   std::printf("read %d records back; %u of %zu samples compare equal to the originals\n", n, equal, kept.size());
   std::printf("look inside with: quarn dump %s\n", path.c_str());
-  if (n != kRecords || equal != kept.size()) throw quarn::Exception("records read back differ from the records written");
+  if (n != kRecords || equal != kept.size())
+    throw quarn::Exception("records read back differ from the records written");
 
   kept.clear();
   unsigned long made = 0, reused = 0;

@@ -110,15 +110,16 @@ TEST(DumpTest, PrintsEachRecordOfTheDemoFileWithItsElements) {
 TEST(DumpTest, ReportsDamageWithTheRecordAndOffsetAndGoesOn) {
   ScratchFile file("dump");
   writeDemo(file.path, 3);
-  file.flip(24 + 12 + 40);  // in record 0's payload
-  file.flip(229);           // record 1's length
+  file.flip(24 + 12 + 40);   // in record 0's payload
+  file.flip(229);            // record 1's length
   file.cut(451 + 12 + 100);  // inside record 2
   Result result = quarnDump({file.path});
   EXPECT_EQ(result.status, 1);
   std::vector<std::string> err = lines(result.err);
   ASSERT_EQ(err.size(), 3u) << result.err;
   EXPECT_EQ(err[0].rfind("quarn dump: " + file.path + ": Record 0 at offset 24: checksum mismatch (stored ", 0), 0u);
-  EXPECT_EQ(err[1], "quarn dump: " + file.path + ": Record 1 at offset 229: frame damaged; reading goes on at offset 451");
+  EXPECT_EQ(err[1],
+            "quarn dump: " + file.path + ": Record 1 at offset 229: frame damaged; reading goes on at offset 451");
   EXPECT_EQ(err[2], "quarn dump: " + file.path + ": Record 2 at offset 451: file cut after 100 of 283 bytes");
   std::vector<std::string> out = lines(result.out);
   ASSERT_EQ(out.size(), 2u) << result.out;

@@ -122,10 +122,10 @@ TEST(RecordFileTest, WritesTheWorkedBytes) {
   }
   EXPECT_EQ(hexOf(empty.bytes()),
             hexOf(withWriterVersion(header, written) + golden("FF FF FF FF  00 00 00 00 00 00 00 00  FF FF FF FF")));
-  EXPECT_EQ(hexOf(seven.bytes()), hexOf(withWriterVersion(header, written) +
-                                    golden("1C 00 00 00  DD 03 4A 45  40 1E DB F0  01 1A") +
-                                    bytesOfText("Marlix.value.IntegerValue") +
-                                    golden("1C  FF FF FF FF  01 00 00 00 00 00 00 00  D8 82 C3 B6")));
+  EXPECT_EQ(hexOf(seven.bytes()),
+            hexOf(withWriterVersion(header, written) + golden("1C 00 00 00  DD 03 4A 45  40 1E DB F0  01 1A") +
+                  bytesOfText("Marlix.value.IntegerValue") +
+                  golden("1C  FF FF FF FF  01 00 00 00 00 00 00 00  D8 82 C3 B6")));
 }
 
 TEST(RecordFileTest, RoundTripsFilesOfNoneOneAndManyRecordsOfAnyClass) {
@@ -225,7 +225,11 @@ TEST(RecordFileTest, ADamagedHeaderIsRefused) {
       EXPECT_EQ(outcome.errors[0].rfind("Record file header damaged (checksum ", 0), 0u) << outcome.errors[0];
   }
   // Intact headers this library does not read.
-  struct Case { std::size_t at; unsigned char byte; std::string message; } const cases[] = {
+  struct Case {
+    std::size_t at;
+    unsigned char byte;
+    std::string message;
+  } const cases[] = {
       {8, 2, "Record file format version 2 is not supported (this library reads version 1)"},
       {10, 0, "Record file header names stream version 0"},
       {19, 0x80, "Record file header has reserved bits 8000 set (written by a newer library?)"},
@@ -279,7 +283,8 @@ TEST(RecordFileTest, AFileCutAtAnyByteReadsEveryWholeRecordAndSaysWhereItWasCut)
     ASSERT_EQ(outcome.errors.size(), 1u) << "cut " << cut;
     std::string const &error = outcome.errors[0];
     if (cut < 24) {
-      EXPECT_EQ(error, cut == 0 ? kNotARecordFile : "Record file header cut after " + std::to_string(cut) + " of 24 bytes");
+      EXPECT_EQ(error,
+                cut == 0 ? kNotARecordFile : "Record file header cut after " + std::to_string(cut) + " of 24 bytes");
       continue;
     }
     std::size_t k = 0;
@@ -287,10 +292,12 @@ TEST(RecordFileTest, AFileCutAtAnyByteReadsEveryWholeRecordAndSaysWhereItWasCut)
     std::size_t const into = cut - kRecordOffsets[k];
     EXPECT_EQ(outcome.values, std::vector<int>(kThree.begin(), kThree.begin() + static_cast<long>(k))) << "cut " << cut;
     std::string expected =
-        into == 0 ? "File cut at offset " + std::to_string(cut) + " after " + std::to_string(k) + " records: no end marker"
+        into == 0
+            ? "File cut at offset " + std::to_string(cut) + " after " + std::to_string(k) + " records: no end marker"
         : k == 3 && into >= 4 ? "End marker at offset 146 cut after " + std::to_string(into) + " of 16 bytes"
-        : into < 12           ? at(k) + "file cut inside its frame (" + std::to_string(into) + " of 12 bytes)"
-                    : at(k) + "file cut after " + std::to_string(into - 12) + " of " + std::to_string(lengths[k]) + " bytes";
+        : into < 12
+            ? at(k) + "file cut inside its frame (" + std::to_string(into) + " of 12 bytes)"
+            : at(k) + "file cut after " + std::to_string(into - 12) + " of " + std::to_string(lengths[k]) + " bytes";
     EXPECT_EQ(error, expected) << "cut " << cut;
   }
   // Seeking over a record cut short in a file.
@@ -374,9 +381,9 @@ TEST(RecordFileTest, AppendingKeepsTheFileValid) {
   EXPECT_EQ(outcome.values, (std::vector<int>{1, 2, 3, 4, 5}));
   EXPECT_EQ(outcome.errors, std::vector<std::string>{"File cut at offset " + std::to_string(bytes.size() - 16) +
                                                      " after 5 records: no end marker"});
-  EXPECT_QUARN_THROW(RecordFileWriter(file.c_str(), RecordFileWriter::kAppend),
-                     "Cannot append to " + file.path +
-                         ": it does not end with an end marker (it was cut, or is still being written)");
+  EXPECT_QUARN_THROW(
+      RecordFileWriter(file.c_str(), RecordFileWriter::kAppend),
+      "Cannot append to " + file.path + ": it does not end with an end marker (it was cut, or is still being written)");
   file.write(bytesOfText("not a record file at all, but long enough"));
   EXPECT_QUARN_THROW(RecordFileWriter(file.c_str(), RecordFileWriter::kAppend),
                      "Cannot append to " + file.path + ": " + kNotARecordFile);

@@ -52,9 +52,7 @@ std::string messageOf(std::exception const &e) {
   return text;
 }
 
-std::string plural(std::uint64_t n, char const *one) {
-  return std::to_string(n) + " " + one + (n == 1 ? "" : "s");
-}
+std::string plural(std::uint64_t n, char const *one) { return std::to_string(n) + " " + one + (n == 1 ? "" : "s"); }
 
 std::string shortened(std::string text) {
   // Counted in code points: UTF-8 continuation bytes do not count.
@@ -306,8 +304,8 @@ struct Dumper {
 
   void bareStream() {
     FileInputStream file(path.c_str());
-    out << path << ": not a record file; read as bare value arrays one after another (stream version "
-        << file.version << ")\n";
+    out << path << ": not a record file; read as bare value arrays one after another (stream version " << file.version
+        << ")\n";
     if (raw) {
       std::vector<unsigned char> bytes;
       unsigned char chunk[65536];

@@ -3,9 +3,8 @@
 // crc32_iscsi neither inverts its start value nor its result, and takes an
 // int length: the standard form inverts on both sides, and longer ranges go
 // in pieces.
-#include <quarn/value/Crc32c.h>
-
 #include <isa-l/crc.h>
+#include <quarn/value/Crc32c.h>
 
 #include <algorithm>
 

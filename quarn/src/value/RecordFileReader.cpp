@@ -158,8 +158,8 @@ void RecordFileReader::failRecord(char const *format, ...) {
   va_start(args, format);
   std::vsnprintf(detail, sizeof detail, format, args);
   va_end(args);
-  throw Exception("Record %llu at offset %llu: %hs", static_cast<ull>(m_recordIndex),
-                  static_cast<ull>(m_recordOffset), detail);
+  throw Exception("Record %llu at offset %llu: %hs", static_cast<ull>(m_recordIndex), static_cast<ull>(m_recordOffset),
+                  detail);
 }
 
 RecordFileReader::Step RecordFileReader::step(bool readPayload) {
@@ -193,9 +193,9 @@ RecordFileReader::Step RecordFileReader::step(bool readPayload) {
       m_ahead.insert(m_ahead.begin() + static_cast<std::ptrdiff_t>(m_aheadStart), frame, frame + size - 1);
       std::uint64_t const next = resync();
       if (next == UINT64_MAX) m_atEnd = true;
-      std::string text = marker ? "End marker at offset " + std::to_string(offset) + " damaged"
-                                : "Record " + std::to_string(m_index) + " at offset " + std::to_string(offset) +
-                                      ": frame damaged";
+      std::string text =
+          marker ? "End marker at offset " + std::to_string(offset) + " damaged"
+                 : "Record " + std::to_string(m_index) + " at offset " + std::to_string(offset) + ": frame damaged";
       if (!marker) {
         if (m_index == m_offsets.size()) m_offsets.push_back(offset);  // seeking to it finds the damage again
         ++m_index;

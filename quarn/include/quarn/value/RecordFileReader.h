@@ -18,6 +18,8 @@
 //   "Record 3 at offset 120: file cut after 10 of 28 bytes"
 //   "File cut at offset 160 after 4 records: no end marker"
 //   "End marker at offset 160 counts 5 records, but 4 were found"
+//   "End marker at offset 160 damaged; nothing intact follows it"
+//   "End marker at offset 160 cut after 9 of 16 bytes"
 // A file cut anywhere thus reads every whole record and then says where it
 // was cut; after a cut next() answers false. A damaged header throws from
 // the constructor (the messages of RecordFile.h's header checks). Nothing
@@ -93,8 +95,8 @@ class QUARN_API RecordFileReader {
 
   std::unique_ptr<FileInputStream> m_file;  // when reading a path
   iByteInputStream *m_in;
-  std::uint64_t m_fileSize = 0;  // of m_file
-  std::uint64_t m_consumed = 0;  // the offset after the bytes taken from m_in
+  std::uint64_t m_fileSize = 0;        // of m_file
+  std::uint64_t m_consumed = 0;        // the offset after the bytes taken from m_in
   std::vector<unsigned char> m_ahead;  // bytes taken from m_in but not yet read, from m_aheadStart on
   std::size_t m_aheadStart = 0;
   std::vector<unsigned char> m_payload;  // of the record read last: m_payloadSize bytes
