@@ -8,9 +8,11 @@
 //    registration file, loads the library and calls its DllCreateInstance.
 // 3. Asks each object for its interface by tag and uses it.
 // 4. Has the components make records of typed values (one ValueArrayValue a
-//    record), writes the records to a file, reads them back into fresh
-//    values, checks that each compares equal to its original, and tells how
-//    many value objects the pools handed out again instead of allocating.
+//    record), writes the records to a record file (each framed and
+//    checksummed), reads them back into fresh values, checks that each
+//    compares equal to its original, tells how many value objects the pools
+//    handed out again instead of allocating, and how to look into the file
+//    with `quarn dump` (the file is kept for that).
 // 5. Removes the registration files again, and exits 0 (1 on any failure).
 #include <example/iCounter.h>
 #include <example/iGreeting.h>
@@ -23,8 +25,9 @@
 #include <quarn/value/BitsetValue.h>
 #include <quarn/value/DoubleArrayValue.h>
 #include <quarn/value/DoubleValue.h>
-#include <quarn/value/FileStream.h>
 #include <quarn/value/IntegerValue.h>
+#include <quarn/value/RecordFileReader.h>
+#include <quarn/value/RecordFileWriter.h>
 #include <quarn/value/StringValue.h>
 #include <quarn/value/ValueArrayValue.h>
 #include <quarnCore/Exception.h>
@@ -120,17 +123,17 @@ void useValues() {
       quarn::Class::getClassInstance(quarn::ClassTag(kCounter))->getAs(quarn::ClassTag(kCounterInterface))));
   quarn::Ptr<example::iGreeting> greeter(static_cast<example::iGreeting *>(
       quarn::Class::getClassInstance(quarn::ClassTag(kGreeter))->getAs(quarn::ClassTag(kGreetingInterface))));
-  std::string const path = (std::filesystem::temp_directory_path() / "quarn-demo-records.bin").string();
+  std::string const path = (std::filesystem::temp_directory_path() / "quarn-demo-records.qrf").string();
 
   // Make the records one at a time, as a pipeline does, and write each out.
   // Each record is handed back after writing, so its values return to their
   // pools and the next record reuses them.
   std::vector<quarn::ObjPtr<quarn::ValueArrayValue>> kept;
   {
-    quarn::FileOutputStream out(path.c_str());
+    quarn::RecordFileWriter out(path.c_str());
     for (int n = 0; n < kRecords; ++n) {
       quarn::ObjPtr<quarn::ValueArrayValue> record = makeRecord(*counter, *greeter, n);
-      record->serialize(out);
+      out.write(*record);
       if (n % 10 == 0) kept.push_back(std::move(record));  // a sample to compare later
     }
     out.close();
@@ -138,26 +141,26 @@ void useValues() {
   std::printf("wrote %d records of %u values to %s (%ju bytes)\n", kRecords, kept.front()->getSize(), path.c_str(),
               static_cast<std::uintmax_t>(std::filesystem::file_size(path)));
 
-  // Read them back into fresh records; each element is made by its class name.
+  // Read them back into fresh records; each record and element is made by its class name.
   unsigned int equal = 0;
+  int n = 0;
   {
-    quarn::FileInputStream in(path.c_str());
-    for (int n = 0; n < kRecords; ++n) {
-      quarn::ObjPtr<quarn::ValueArrayValue> record(quarn::ValueArrayValue::newInstance());
-      record->deserialize(in);
+    quarn::RecordFileReader in(path.c_str());
+    for (quarn::ObjPtr<quarn::Value> record; in.next(record); ++n) {
       if (n % 10 == 0 && record->compare(*kept[static_cast<std::size_t>(n / 10)]) == 0) ++equal;
       if (n == kRecords - 1) {
         quarn::BaseString<unsigned short> text;
-        record->getIthValue(1).getString(text);
+        auto const &values = static_cast<quarn::ValueArrayValue const &>(*record);
+        values.getIthValue(1).getString(text);
         quarn::BaseString<char> utf8 = quarn::util::ConvertStringtoUTF8(text);
-        std::printf("last record: count %d, text \"%s\"\n", record->getIthValue(0).getInteger(), utf8.getBuffer());
+        std::printf("last record: count %d, text \"%s\"\n", values.getIthValue(0).getInteger(), utf8.getBuffer());
       }
     }
   }
-  std::filesystem::remove(path);
-  std::printf("read %d records back; %u of %zu samples compare equal to the originals\n", kRecords, equal,
-              kept.size());
-  if (equal != kept.size()) throw quarn::Exception("records read back differ from the records written");
+  std::printf("read %d records back; %u of %zu samples compare equal to the originals\n", n, equal, kept.size());
+  std::printf("look inside with: quarn dump %s\n", path.c_str());
+  if (n != kRecords || equal != kept.size())
+    throw quarn::Exception("records read back differ from the records written");
 
   kept.clear();
   unsigned long made = 0, reused = 0;

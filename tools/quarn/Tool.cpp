@@ -1,6 +1,8 @@
 // Tool.cpp - the commands of the quarn command-line tool
 #include "Tool.h"
 
+#include "Dump.h"
+
 #include <quarn/core/CClassRegistryFile.h>
 #include <quarn/core/CZedLibraryUtils.h>
 #include <quarn/core/ClassTag.h>
@@ -162,6 +164,7 @@ Command const kCommands[] = {
 void printUsage(std::ostream &out) {
   out << "Usage: quarn COMMAND [ARGUMENTS]\n\nCommands:\n";
   for (Command const &command : kCommands) out << "  quarn " << command.synopsis << '\n';
+  out << "  quarn dump FILE [--raw]\n";
   out << "\nRegistration files live in the folder \"classes\" beside libquarn.\n"
          "Run quarn COMMAND --help for the details of one command.\n";
 }
@@ -204,6 +207,7 @@ int run(int argc, char **argv, std::ostream &out, std::ostream &err) {
     printUsage(out);
     return kOk;
   }
+  if (name == "dump") return dump(argc, argv, out, err);
   auto command =
       std::find_if(std::begin(kCommands), std::end(kCommands), [&](Command const &c) { return name == c.name; });
   if (command == std::end(kCommands)) {

@@ -4,6 +4,7 @@
 //   quarn unregister CLASS
 //   quarn which CLASS
 //   quarn classes
+//   quarn dump FILE [--raw]          (Dump.h)
 //   quarn [COMMAND] --help
 //
 // The registration files live in the "classes" folder beside the libquarn the

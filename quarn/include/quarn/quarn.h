@@ -55,6 +55,7 @@
 #include <quarn/value/ByteArrayValue.h>
 #include <quarn/value/ByteStream.h>
 #include <quarn/value/ConverterRegistry.h>
+#include <quarn/value/Crc32c.h>
 #include <quarn/value/DefaultComparator.h>
 #include <quarn/value/DoubleArrayValue.h>
 #include <quarn/value/DoubleComparator.h>
@@ -70,6 +71,9 @@
 #include <quarn/value/MissingValue.h>
 #include <quarn/value/NullArrayValue.h>
 #include <quarn/value/NullValue.h>
+#include <quarn/value/RecordFile.h>
+#include <quarn/value/RecordFileReader.h>
+#include <quarn/value/RecordFileWriter.h>
 #include <quarn/value/StringArrayValue.h>
 #include <quarn/value/StringComparator.h>
 #include <quarn/value/StringFingerprintValue.h>

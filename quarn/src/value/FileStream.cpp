@@ -21,8 +21,8 @@ std::FILE *openFile(char const *path, char const *mode, char const *failure) {
 
 }  // namespace
 
-FileOutputStream::FileOutputStream(char const *path, int version)
-    : m_path(path), m_file(openFile(path, "wb", "Failed to open file %hs for writing.")) {
+FileOutputStream::FileOutputStream(char const *path, int version, Mode mode)
+    : m_path(path), m_file(openFile(path, mode == kAppend ? "ab" : "wb", "Failed to open file %hs for writing.")) {
   this->version = version;
 }
 
@@ -55,6 +55,12 @@ FileInputStream::~FileInputStream() { close(); }
 int FileInputStream::read(void *data, int count) {
   if (!m_file || count <= 0) return 0;
   return static_cast<int>(std::fread(data, 1, static_cast<std::size_t>(count), m_file));
+}
+
+void FileInputStream::seek(std::uint64_t offset) {
+  if (!m_file || offset > static_cast<std::uint64_t>(INT64_MAX) ||
+      fseeko(m_file, static_cast<off_t>(offset), SEEK_SET) != 0) [[unlikely]]
+    failFile("Failed to seek in file %hs.", m_path.getBuffer());
 }
 
 void FileInputStream::close() noexcept {
