@@ -35,10 +35,16 @@
 #include <quarn/core/Interface.h>
 #include <quarn/core/Interfaces.h>
 #include <quarn/core/Object.h>
+#include <quarn/core/ObjectImpl.h>
 #include <quarn/core/PooledClassImp.h>
 #include <quarn/core/PooledObject.h>
 #include <quarn/core/Ptr.h>
 #include <quarn/core/iComponent.h>
+#include <quarn/core/iDataRecord.h>
+#include <quarn/core/iDataTree.h>
+#include <quarn/core/iNode.h>
+#include <quarn/core/iProperty.h>
+#include <quarn/core/iPropertyCollection.h>
 
 // value: typed values and their byte streams
 #include <quarn/value/ArrayValue.h>
@@ -79,3 +85,12 @@
 #include <quarn/value/ValueArrayValue.h>
 #include <quarn/value/ValueGlue.h>
 #include <quarn/value/ValueTypeConverter.h>
+
+// data: records, trees and their properties
+#include <quarn/data/DataNode.h>
+#include <quarn/data/DataRecord.h>
+#include <quarn/data/DataTree.h>
+#include <quarn/data/Property.h>
+#include <quarn/data/PropertyCollection.h>
+#include <quarn/data/PropertyListImpl.h>
+#include <quarn/data/PropertyTable.h>

@@ -13,6 +13,7 @@
 
 #include "ArrayCoding.h"
 #include "ElementArrays.h"
+#include "ElementByName.h"
 #include "NarrowText.h"
 
 namespace quarn {
@@ -70,18 +71,22 @@ class NestingLevel {
   NestingLevel &operator=(NestingLevel const &) = delete;
 };
 
+}  // namespace
+
+namespace detail {
+
 /// The class name of element `index`, read from its framing.
-BaseString<char> readClassName(iByteInputStream &in, unsigned int index) {
+BaseString<char> readClassName(iByteInputStream &in, unsigned int index, char const *what) {
   int length;
   in >> length;
   if (length == 0 || length == 1) [[unlikely]]
-    throw Exception("ValueArrayValue element %u has no class name", index);
+    throw Exception("%hs %u has no class name", what, index);
   if (length < 0 || static_cast<unsigned int>(length) - 1 > ValueArrayValue::kMaxClassNameLength) [[unlikely]]
-    throw Exception("Invalid class name length %d in ValueArrayValue element %u", length, index);
+    throw Exception("Invalid class name length %d in %hs %u", length, what, index);
   BaseString<char> name;
   detail::readNarrowBytes(in, name, static_cast<unsigned int>(length - 1));
   if (std::memchr(name.getBuffer(), 0, name.getLength())) [[unlikely]]
-    throw Exception("ValueArrayValue element %u has a class name with a zero byte", index);
+    throw Exception("%hs %u has a class name with a zero byte", what, index);
   return name;
 }
 
@@ -99,7 +104,7 @@ Value *makeByName(BaseString<char> const &name) {
   return value;
 }
 
-}  // namespace
+}  // namespace detail
 
 QUARN_DEFINE_VALUE_CLASS(ValueArrayValue);
 
@@ -161,8 +166,8 @@ void ValueArrayValue::deserialize(iByteInputStream &in) {
     Gathered read;
     read.values.reserve(std::min(n, detail::kElementChunk));
     for (unsigned int k = 0; k < n; ++k) {
-      BaseString<char> name = readClassName(in, k);
-      Value *value = makeByName(name);
+      BaseString<char> name = detail::readClassName(in, k, "ValueArrayValue element");
+      Value *value = detail::makeByName(name);
       read.adopt(value);
       value->deserialize(in);
     }

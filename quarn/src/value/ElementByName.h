@@ -1,0 +1,28 @@
+// ElementByName.h - reading a value that a stream names by its class
+//
+// Value arrays and data records write each element as its class name
+// (framed as NarrowText.h describes) followed by the value's own payload; a
+// reader makes the element by that name. Both read the name and make the
+// value with these two functions, so they share the same limits on hostile
+// input: a name of 1 to ValueArrayValue::kMaxClassNameLength bytes without a
+// zero byte, and no name interned unless a class serves it.
+#pragma once
+
+#include <quarn/value/ByteStream.h>
+#include <quarn/value/Value.h>
+#include <quarnCore/BaseString.h>
+
+namespace quarn::detail {
+
+/// The class name framing element `index`; `what` names the element in the
+/// messages ("ValueArrayValue element" -> "ValueArrayValue element 3 has no
+/// class name", "Invalid class name length %d in ValueArrayValue element 3",
+/// "... has a class name with a zero byte").
+BaseString<char> readClassName(iByteInputStream &in, unsigned int index, char const *what);
+
+/// A new value (count of its own, owned by the caller) of the class named
+/// `name`: "Class %hs not registered." when no class serves the name, "Class
+/// %hs is not a value" when its object is not a value.
+Value *makeByName(BaseString<char> const &name);
+
+}  // namespace quarn::detail
