@@ -90,7 +90,12 @@
 #include <quarn/data/DataNode.h>
 #include <quarn/data/DataRecord.h>
 #include <quarn/data/DataTree.h>
+#include <quarn/data/NodeReferenceSet.h>
 #include <quarn/data/Property.h>
 #include <quarn/data/PropertyCollection.h>
+#include <quarn/data/PropertyHelpers.h>
 #include <quarn/data/PropertyListImpl.h>
+#include <quarn/data/PropertyReferenceSet.h>
 #include <quarn/data/PropertyTable.h>
+#include <quarn/data/ReferenceSetImpl.h>
+#include <quarn/data/TreeHelpers.h>
