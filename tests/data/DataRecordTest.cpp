@@ -63,6 +63,7 @@ TEST(DataRecordTest, IsItsOwnPropertyListAndClonesDeeply) {
   ASSERT_TRUE(asList && asRecord);
   EXPECT_EQ(asRecord->getPropertyList(), asList);
   Ptr<DataRecord> copy(record->clone()->as<DataRecord>());
+  EXPECT_EQ(copy->getRefCount(), 1u);  // made with a count of 0
   expectSameProperties(*record, *copy);
   copy->getProperty(0)->setValue(IntegerValue(8));
   EXPECT_EQ(record->getProperty(0)->getValue()->getInteger(), 7);

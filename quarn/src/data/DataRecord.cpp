@@ -5,21 +5,36 @@
 #include <quarn/value/ByteStream.h>
 #include <quarnCore/Exception.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <cstring>
+#include <utility>
 
 #include "../value/ElementByName.h"
 #include "../value/NarrowText.h"
 
 namespace quarn {
 
+namespace {
+
+/// Properties reserved before reading: a count read from a stream is trusted only this far.
+constexpr unsigned int kReserveAhead = 64;
+
+}  // namespace
+
 QUARN_DEFINE_COMPONENT(DataRecord, "Marlix.data.DataRecord");
 
 DataRecord::~DataRecord() = default;
 
 Object *DataRecord::clone() const {
-  Ptr<DataRecord> copy(newInstance());
-  copy->m_properties.copyFrom(*this);
-  return copy.detach();
+  DataRecord *copy = newInstance();
+  try {
+    copy->m_properties.copyFrom(*this);
+  } catch (...) {
+    copy->deleteInstance();
+    throw;
+  }
+  return copy;
 }
 
 iPropertyCollection *DataRecord::getPropertyList() const {
@@ -55,17 +70,24 @@ void DataRecord::deserialize(iByteInputStream &in) {
       throw Exception("Invalid property count %d in DataRecord", count);
     auto const n = static_cast<unsigned int>(count);
     detail::PropertyTable read;
-    BaseString<unsigned short> name;
+    read.reserve(std::min(n, kReserveAhead));
     for (unsigned int k = 0; k < n; ++k) {
+      BaseString<unsigned short> name;
       in >> name;
       if (name.isEmpty()) [[unlikely]]
         throw Exception("DataRecord property %u has no name", k);
-      if (read.find(name)) [[unlikely]]
+      std::uint32_t const hash = detail::PropertyTable::hashName(name.getBuffer(), name.getLength());
+      if (read.find(name.getBuffer(), name.getLength(), hash)) [[unlikely]]
         throw Exception("DataRecord property %u repeats the name %ls", k, name.getBuffer());
       ObjPtr<Value> value(detail::makeByName(detail::readClassName(in, k, "DataRecord property")));
       value->deserialize(in);
-      Ptr<Property> property(Property::make(name, value.detach()));
-      read.append(property.get());
+      Property *property = Property::make(std::move(name), value.detach());
+      try {
+        read.append(property, hash);  // takes the one reference
+      } catch (...) {
+        property->deleteInstance();
+        throw;
+      }
     }
     m_properties.swap(read);  // the old properties are released with `read`
   });

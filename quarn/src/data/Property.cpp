@@ -3,30 +3,45 @@
 #include <quarn/data/Property.h>
 #include <quarnCore/Exception.h>
 
-#include <utility>
-
 namespace quarn {
 
-QUARN_DEFINE_COMPONENT(Property, "Marlix.data.Property");
+ClassTagDecl const Property::Tag("Marlix.data.Property");
+PooledClassImp<Property, -1> Property::m_class;
+LeakDetector Property::m_leakDetector("Marlix.data.Property");
 
-Property::~Property() {
-  if (m_value) m_value->deleteInstance();
+Property::~Property() { onDeactivate(); }
+
+Property *Property::newInstance() {
+  Property *property = m_class.acquire();
+  property->AddToLeakDetector();
+  return property;
+}
+
+void Property::deleteInstance() {
+  RemoveFromLeakDetector();
+  Property *self = this;
+  m_class.release(self);
+}
+
+void Property::onDeactivate() {
+  if (m_value) {
+    m_value->deleteInstance();
+    m_value = nullptr;
+  }
+  m_name.setNull();
 }
 
 Property *Property::make(BaseString<unsigned short> const &name, Value *value) {
   ObjPtr<Value> owned(value);
-  BaseString<unsigned short> copy(name);
-  Property *property = newInstance();
-  property->m_name.swap(copy);
-  property->m_value = owned.detach();
-  return property;
+  return make(BaseString<unsigned short>(name), owned.detach());
 }
 
-void Property::define(BaseString<unsigned short> const &name, Value *value) {
+Property *Property::make(BaseString<unsigned short> &&name, Value *value) {
   ObjPtr<Value> owned(value);
-  BaseString<unsigned short> copy(name);
-  m_name.swap(copy);
-  if (Value *old = std::exchange(m_value, owned.detach())) old->deleteInstance();
+  Property *property = newInstance();
+  property->m_name.swap(name);
+  property->m_value = owned.detach();
+  return property;
 }
 
 ClassTag const &Property::getValueClass() const { return m_value ? m_value->getClassTag() : Value::Tag; }

@@ -12,14 +12,8 @@ namespace quarn::detail {
 
 namespace {
 
-constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15ull;
 /// The smallest index: the first one built covers kLinearLimit + 1 entries at most half full.
 constexpr unsigned int kMinIndexSlots = 32;
-
-bool sameName(Property const *property, unsigned short const *units, unsigned int length) noexcept {
-  BaseString<unsigned short> const &name = property->getName();
-  return name.getLength() == length && std::memcmp(name.getBuffer(), units, length * sizeof(unsigned short)) == 0;
-}
 
 /// Slots for `count` entries at most half full.
 unsigned int slotsFor(unsigned int count) noexcept {
@@ -33,49 +27,6 @@ unsigned int slotsFor(unsigned int count) noexcept {
 }  // namespace
 
 PropertyTable::~PropertyTable() { clear(); }
-
-std::uint32_t PropertyTable::hashName(unsigned short const *units, unsigned int length) noexcept {
-  // Four units at a time: xor a word in, multiply, fold the high half down.
-  std::uint64_t h = (length + 1) * kMultiplier;
-  auto const *bytes = reinterpret_cast<unsigned char const *>(units);
-  std::size_t remaining = std::size_t{length} * sizeof(unsigned short);
-  while (remaining >= 8) {
-    std::uint64_t word;
-    std::memcpy(&word, bytes, 8);
-    h = (h ^ word) * kMultiplier;
-    h ^= h >> 32;
-    bytes += 8;
-    remaining -= 8;
-  }
-  if (remaining) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, bytes, remaining);
-    h = (h ^ word) * kMultiplier;
-    h ^= h >> 32;
-  }
-  return static_cast<std::uint32_t>(h ^ (h >> 29));
-}
-
-Property *PropertyTable::find(unsigned short const *units, unsigned int length) const noexcept {
-  if (length == 0) return nullptr;  // no property has an empty name
-  std::uint32_t const h = hashName(units, length);
-  std::uint32_t const *hashes = m_hashes.getBuffer();
-  Property *const *items = m_items.getBuffer();
-  if (m_index.isEmpty()) {
-    unsigned int const n = m_items.getSize();
-    for (unsigned int i = 0; i < n; ++i)
-      if (hashes[i] == h && sameName(items[i], units, length)) return items[i];
-    return nullptr;
-  }
-  std::uint32_t const *index = m_index.getBuffer();
-  unsigned int const mask = m_index.getSize() - 1;
-  for (unsigned int slot = h & mask;; slot = (slot + 1) & mask) {
-    std::uint32_t entry = index[slot];
-    if (entry == 0) return nullptr;
-    --entry;
-    if (hashes[entry] == h && sameName(items[entry], units, length)) return items[entry];
-  }
-}
 
 Property *PropertyTable::define(BaseString<unsigned short> const &name, ClassTag const &valueClass) {
   if (name.isEmpty()) [[unlikely]]
@@ -98,17 +49,20 @@ Property *PropertyTable::define(BaseString<unsigned short> const &name, ClassTag
 }
 
 void PropertyTable::append(Property *property) {
+  BaseString<unsigned short> const &name = property->getName();
+  append(property, hashName(name.getBuffer(), name.getLength()));
+}
+
+void PropertyTable::append(Property *property, std::uint32_t hash) {
   // Everything that can fail comes first, so that a failure changes nothing.
-  unsigned int const n = m_items.getSize();
-  m_items.reserve(n + 1);
-  m_hashes.reserve(n + 1);
-  Array<std::uint32_t> bigger;
+  unsigned int const n = m_entries.getSize();
+  m_entries.reserve(n + 1);
+  Array<std::uint64_t> bigger;
   bool const rebuild = n + 1 > kLinearLimit && m_index.getSize() < 2 * (n + 1);
   if (rebuild) bigger.resize(slotsFor(n + 1));
   BaseString<unsigned short> const &name = property->getName();
   property->addRef();
-  m_items.append(property);
-  m_hashes.append(hashName(name.getBuffer(), name.getLength()));
+  m_entries.append(Entry{keyOf(name.getBuffer(), name.getLength()), hash, name.getBuffer(), property});
   if (rebuild) {
     m_index.swap(bigger);
     for (unsigned int i = 0; i <= n; ++i) indexEntry(i);
@@ -117,27 +71,37 @@ void PropertyTable::append(Property *property) {
   }
 }
 
-void PropertyTable::indexEntry(unsigned int position) {
-  std::uint32_t *index = m_index.getBuffer();
-  unsigned int const mask = m_index.getSize() - 1;
-  unsigned int slot = m_hashes.getBuffer()[position] & mask;
-  while (index[slot] != 0) slot = (slot + 1) & mask;
-  index[slot] = position + 1;
+void PropertyTable::reserve(unsigned int count) {
+  m_entries.reserve(count);
+  if (count > kLinearLimit && m_index.getSize() < 2 * count) {
+    Array<std::uint64_t> bigger;
+    bigger.resize(slotsFor(count));
+    m_index.swap(bigger);
+    for (unsigned int i = 0; i < m_entries.getSize(); ++i) indexEntry(i);
+  }
 }
 
-void PropertyTable::rebuildIndex() {
-  if (m_items.getSize() <= kLinearLimit) {
+void PropertyTable::indexEntry(unsigned int position) noexcept {
+  std::uint64_t *index = m_index.getBuffer();
+  unsigned int const mask = m_index.getSize() - 1;
+  std::uint32_t const hash = m_entries.getBuffer()[position].hash;
+  unsigned int slot = hash & mask;
+  while (index[slot] != 0) slot = (slot + 1) & mask;
+  index[slot] = std::uint64_t{hash} << 32 | (position + 1);
+}
+
+void PropertyTable::rebuildIndex() noexcept {
+  if (m_entries.getSize() <= kLinearLimit) {
     m_index.clear();
     return;
   }
-  std::memset(m_index.getBuffer(), 0, m_index.getSize() * sizeof(std::uint32_t));
-  for (unsigned int i = 0; i < m_items.getSize(); ++i) indexEntry(i);
+  std::memset(m_index.getBuffer(), 0, m_index.getSize() * sizeof(std::uint64_t));
+  for (unsigned int i = 0; i < m_entries.getSize(); ++i) indexEntry(i);
 }
 
 void PropertyTable::removeAt(unsigned int i) {
-  Property *gone = m_items[i];
-  m_items.remove(i);
-  m_hashes.remove(i);
+  Property *gone = m_entries[i].property;
+  m_entries.remove(i);
   rebuildIndex();
   gone->release();
 }
@@ -146,23 +110,23 @@ bool PropertyTable::remove(BaseString<unsigned short> const &name) {
   Property *found = find(name);
   if (!found) return false;
   for (unsigned int i = 0;; ++i)
-    if (m_items.getBuffer()[i] == found) {
+    if (m_entries.getBuffer()[i].property == found) {
       removeAt(i);
       return true;
     }
 }
 
 void PropertyTable::clear() noexcept {
-  Array<Property *> items;
-  items.swap(m_items);
-  m_hashes.clear();
+  Array<Entry> entries;
+  entries.swap(m_entries);
   m_index.clear();
-  for (Property *p : items) p->release();
+  for (Entry const &e : entries) e.property->release();
 }
 
 void PropertyTable::copyFrom(iPropertyCollection const &source) {
   PropertyTable copy;
   unsigned int const n = source.getPropertyCount();
+  copy.reserve(n);
   for (unsigned int i = 0; i < n; ++i) {
     iProperty const *from = source.getProperty(i);
     BaseString<unsigned short> const &name = from->getName();
@@ -180,8 +144,7 @@ void PropertyTable::copyFrom(iPropertyCollection const &source) {
 }
 
 void PropertyTable::swap(PropertyTable &other) noexcept {
-  m_items.swap(other.m_items);
-  m_hashes.swap(other.m_hashes);
+  m_entries.swap(other.m_entries);
   m_index.swap(other.m_index);
 }
 
