@@ -36,7 +36,7 @@ class QUARN_API ReferenceSetImpl {
   ReferenceSetImpl() = default;
   /// The same members, each with a reference of this set's own.
   ReferenceSetImpl(ReferenceSetImpl const &other);
-  explicit ReferenceSetImpl(Array<T *> const &members);
+  ReferenceSetImpl(Array<T *> const &members);  // NOLINT(google-explicit-constructor)
   /// clear(): releases every member.
   virtual ~ReferenceSetImpl();
 
