@@ -130,6 +130,26 @@ TYPED_TEST(PropertyListTest, FindsEveryNameAcrossTheIndexThresholdThroughRemoval
   }
 }
 
+TEST(PropertyTest, TheLastReleaseReturnsThePropertyAndItsValueToTheirPools) {
+  long const before = Property::m_leakDetector.getLiveCount();
+  IntegerValue *value = IntegerValue::newInstance();
+  Property *property = Property::make(u16(u"n"), value);
+  EXPECT_EQ(Property::m_leakDetector.getLiveCount(), before + 1);
+  EXPECT_EQ(property->getRefCount(), 0u);
+  property->addRef();
+  EXPECT_EQ(property->release(), 0u);
+  EXPECT_EQ(Property::m_leakDetector.getLiveCount(), before);
+  Property *again = Property::newInstance();
+  IntegerValue *valueAgain = IntegerValue::newInstance();
+  EXPECT_EQ(again, property);  // recycled, last released first
+  EXPECT_EQ(valueAgain, value);
+  EXPECT_TRUE(again->getName().isNull());
+  EXPECT_EQ(again->getValue(), nullptr);
+  EXPECT_EQ(again->getValueClass(), Value::Tag);
+  valueAgain->deleteInstance();
+  again->deleteInstance();
+}
+
 TEST(PropertyTableTest, EqualNamesHashEqualAndTheIndexHandlesCollidingSlots) {
   WString a = u16(u"abcdefghi"), b = u16(u"abcdefghi");
   EXPECT_EQ(detail::PropertyTable::hashName(a.getBuffer(), a.getLength()),
