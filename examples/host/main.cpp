@@ -7,12 +7,12 @@
 // 2. Creates each class by name alone: the class system finds its
 //    registration file, loads the library and calls its DllCreateInstance.
 // 3. Asks each object for its interface by tag and uses it.
-// 4. Has the components make records of typed values (one ValueArrayValue a
-//    record), writes the records to a record file (each framed and
-//    checksummed), reads them back into fresh values, checks that each
-//    compares equal to its original, tells how many value objects the pools
-//    handed out again instead of allocating, and how to look into the file
-//    with `quarn dump` (the file is kept for that).
+// 4. Has the components make records of typed values (one DataRecord a
+//    record, with named properties), writes the records to a record file
+//    (each framed and checksummed), reads them back into a record, checks
+//    that each equals its original property by property, tells how many value
+//    objects the pools handed out again instead of allocating, and how to look
+//    into the file with `quarn dump` (the file is kept for that).
 // 5. Removes the registration files again, and exits 0 (1 on any failure).
 #include <example/iCounter.h>
 #include <example/iGreeting.h>
@@ -22,6 +22,8 @@
 #include <quarn/core/DynamicCreation.h>
 #include <quarn/core/DynamicObject.h>
 #include <quarn/core/Ptr.h>
+#include <quarn/data/DataRecord.h>
+#include <quarn/data/PropertyHelpers.h>
 #include <quarn/value/BitsetValue.h>
 #include <quarn/value/DoubleArrayValue.h>
 #include <quarn/value/DoubleValue.h>
@@ -29,7 +31,6 @@
 #include <quarn/value/RecordFileReader.h>
 #include <quarn/value/RecordFileWriter.h>
 #include <quarn/value/StringValue.h>
-#include <quarn/value/ValueArrayValue.h>
 #include <quarnCore/Exception.h>
 #include <quarnCore/Unicode.h>
 
@@ -85,7 +86,6 @@ void addPoolCounts(unsigned long &made, unsigned long &reused) {
 
 void poolCounts(unsigned long &made, unsigned long &reused) {
   made = reused = 0;
-  addPoolCounts<quarn::ValueArrayValue>(made, reused);
   addPoolCounts<quarn::IntegerValue>(made, reused);
   addPoolCounts<quarn::StringValue>(made, reused);
   addPoolCounts<quarn::DoubleValue>(made, reused);
@@ -93,28 +93,34 @@ void poolCounts(unsigned long &made, unsigned long &reused) {
   addPoolCounts<quarn::BitsetValue>(made, reused);
 }
 
-// One record: what the components produced for record `n`, as typed values.
-// The record owns its elements; handing it back returns them to their pools.
-quarn::ObjPtr<quarn::ValueArrayValue> makeRecord(example::iCounter &counter, example::iGreeting &greeter, int n) {
-  quarn::ObjPtr<quarn::ValueArrayValue> record(quarn::ValueArrayValue::newInstance());
-  quarn::ObjPtr<quarn::IntegerValue> count(quarn::IntegerValue::newInstance());
-  *count = counter.increment();
-  record->appendValue(count.detach());
-  quarn::ObjPtr<quarn::StringValue> text(quarn::StringValue::newInstance());
+// One record: what the components produced for record `n`, as named, typed
+// properties. The record owns its values; releasing it returns them to their
+// pools.
+quarn::Ptr<quarn::DataRecord> makeRecord(example::iCounter &counter, example::iGreeting &greeter, int n) {
+  using Name = quarn::BaseString<unsigned short>;
+  quarn::Ptr<quarn::DataRecord> record(quarn::DataRecord::newInstance());
+  quarn::util::defineIntegerValue(*record, Name("count"), counter.increment());
   std::string const who = "record " + std::to_string(n);
-  *text = greeter.greet(who.c_str()).getBuffer();  // widened byte by byte
-  record->appendValue(text.detach());
-  quarn::ObjPtr<quarn::DoubleValue> ratio(quarn::DoubleValue::newInstance());
-  *ratio = n / 8.0;
-  record->appendValue(ratio.detach());
-  quarn::ObjPtr<quarn::DoubleArrayValue> series(quarn::DoubleArrayValue::newInstance());
-  for (int i = 0; i <= n % 4; ++i) series->append(i * 0.5);
-  record->appendValue(series.detach());
-  quarn::ObjPtr<quarn::BitsetValue> flags(quarn::BitsetValue::newInstance());
-  flags->resize(16);
-  flags->setOn(static_cast<unsigned int>(n % 16));
-  record->appendValue(flags.detach());
+  quarn::util::defineStringValue(*record, Name("greeting"), Name(greeter.greet(who.c_str()).getBuffer()));
+  quarn::util::defineDoubleValue(*record, Name("ratio"), n / 8.0);
+  quarn::Array<double> series;
+  for (int i = 0; i <= n % 4; ++i) series.append(i * 0.5);
+  quarn::util::defineDoubleArrayValue(*record, Name("series"), series);
+  auto &flags =
+      static_cast<quarn::BitsetValue &>(*record->defineProperty(Name("flags"), quarn::BitsetValue::Tag)->getValue());
+  flags.resize(16);
+  flags.setOn(static_cast<unsigned int>(n % 16));
   return record;
+}
+
+// Whether two records hold the same names with equal values.
+bool sameRecord(quarn::DataRecord const &a, quarn::DataRecord const &b) {
+  if (a.getPropertyCount() != b.getPropertyCount()) return false;
+  for (unsigned int i = 0; i < a.getPropertyCount(); ++i) {
+    quarn::iProperty const *p = a.getProperty(i), *q = b.findProperty(p->getName());
+    if (!q || p->getValue()->compare(*q->getValue()) != 0) return false;
+  }
+  return true;
 }
 
 void useValues() {
@@ -128,32 +134,34 @@ void useValues() {
   // Make the records one at a time, as a pipeline does, and write each out.
   // Each record is handed back after writing, so its values return to their
   // pools and the next record reuses them.
-  std::vector<quarn::ObjPtr<quarn::ValueArrayValue>> kept;
+  std::vector<quarn::Ptr<quarn::DataRecord>> kept;
   {
     quarn::RecordFileWriter out(path.c_str());
     for (int n = 0; n < kRecords; ++n) {
-      quarn::ObjPtr<quarn::ValueArrayValue> record = makeRecord(*counter, *greeter, n);
+      quarn::Ptr<quarn::DataRecord> record = makeRecord(*counter, *greeter, n);
       out.write(*record);
       if (n % 10 == 0) kept.push_back(std::move(record));  // a sample to compare later
     }
     out.close();
   }
-  std::printf("wrote %d records of %u values to %s (%ju bytes)\n", kRecords, kept.front()->getSize(), path.c_str(),
-              static_cast<std::uintmax_t>(std::filesystem::file_size(path)));
+  std::printf("wrote %d records of %u properties to %s (%ju bytes)\n", kRecords, kept.front()->getPropertyCount(),
+              path.c_str(), static_cast<std::uintmax_t>(std::filesystem::file_size(path)));
 
-  // Read them back into fresh records; each record and element is made by its class name.
+  // Read them back into one record; each value is made by its class name.
   unsigned int equal = 0;
   int n = 0;
   {
     quarn::RecordFileReader in(path.c_str());
-    for (quarn::ObjPtr<quarn::Value> record; in.next(record); ++n) {
-      if (n % 10 == 0 && record->compare(*kept[static_cast<std::size_t>(n / 10)]) == 0) ++equal;
+    quarn::Ptr<quarn::DataRecord> record(quarn::DataRecord::newInstance());
+    for (; in.next(*record); ++n) {
+      if (n % 10 == 0 && sameRecord(*record, *kept[static_cast<std::size_t>(n / 10)])) ++equal;
       if (n == kRecords - 1) {
         quarn::BaseString<unsigned short> text;
-        auto const &values = static_cast<quarn::ValueArrayValue const &>(*record);
-        values.getIthValue(1).getString(text);
+        quarn::util::findStringValue(*record, quarn::BaseString<unsigned short>("greeting"), text);
         quarn::BaseString<char> utf8 = quarn::util::ConvertStringtoUTF8(text);
-        std::printf("last record: count %d, text \"%s\"\n", values.getIthValue(0).getInteger(), utf8.getBuffer());
+        std::printf("last record: count %d, text \"%s\"\n",
+                    record->findProperty(quarn::BaseString<unsigned short>("count"))->getValue()->getInteger(),
+                    utf8.getBuffer());
       }
     }
   }

@@ -1,11 +1,14 @@
 // DumpTest.cpp - `quarn dump`: record files and bare value streams as text, damage on stderr
 #include <gtest/gtest.h>
+#include <quarn/data/DataRecord.h>
+#include <quarn/data/PropertyHelpers.h>
 #include <quarn/value/BitsetValue.h>
 #include <quarn/value/Crc32c.h>
 #include <quarn/value/DoubleArrayValue.h>
 #include <quarn/value/DoubleValue.h>
 #include <quarn/value/FileStream.h>
 #include <quarn/value/IntegerValue.h>
+#include <quarn/value/RecordFileReader.h>
 #include <quarn/value/RecordFileWriter.h>
 #include <quarn/value/StringValue.h>
 #include <quarn/value/ValueArrayValue.h>
@@ -15,6 +18,7 @@
 #include <vector>
 
 #include "Tool.h"
+#include "support/ExpectThrow.h"
 #include "support/ScratchFile.h"
 
 namespace {
@@ -105,6 +109,34 @@ TEST(DumpTest, PrintsEachRecordOfTheDemoFileWithItsElements) {
   ASSERT_EQ(got.size(), expected.size() + 1) << result.out;
   EXPECT_EQ(got[0].rfind(file.path + kHeaderLine, 0), 0u) << got[0];
   for (std::size_t i = 0; i < expected.size(); ++i) EXPECT_EQ(got[i + 1], expected[i]) << "line " << i + 2;
+}
+
+TEST(DumpTest, PrintsADataRecordPropertyByProperty) {
+  using Name = quarn::BaseString<unsigned short>;
+  ScratchFile file("dump");
+  quarn::Ptr<quarn::DataRecord> record(quarn::DataRecord::newInstance());
+  quarn::util::defineIntegerValue(*record, Name("count"), 7);
+  quarn::util::defineStringValue(*record, Name("greeting"), Name("hi"));
+  {
+    quarn::RecordFileWriter out(file.c_str());
+    out.write(*record);
+    out.write(*demoRecord(0));  // values and records mix in one file
+  }
+  std::vector<std::string> got = lines(quarnDump({file.path}).out);
+  ASSERT_EQ(got.size(), 11u);  // header, 1 + 2 lines, 1 + 5 lines, end
+  EXPECT_EQ(got[1].substr(got[1].find(": ")), ": Marlix.data.DataRecord, 2 properties");
+  EXPECT_EQ(got[2], "  count: Marlix.value.IntegerValue 7");
+  EXPECT_EQ(got[3], "  greeting: Marlix.value.StringValue \"hi\"");
+  EXPECT_EQ(got[4].substr(got[4].find(": ")), ": Marlix.value.ValueArrayValue, 5 elements");
+
+  // Read into a record of one's own: the same record fits, a value array is damage.
+  quarn::RecordFileReader in(file.c_str());
+  quarn::Ptr<quarn::DataRecord> back(quarn::DataRecord::newInstance());
+  ASSERT_TRUE(in.next(*back));
+  EXPECT_EQ(back->getPropertyCount(), 2u);
+  std::string const second = "Record 1 at offset " + std::to_string(in.getOffset());
+  EXPECT_QUARN_THROW(in.next(*back),
+                     second + ": the record holds a Marlix.value.ValueArrayValue, not a Marlix.data.DataRecord");
 }
 
 TEST(DumpTest, ReportsDamageWithTheRecordAndOffsetAndGoesOn) {

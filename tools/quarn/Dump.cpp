@@ -1,6 +1,7 @@
 // Dump.cpp - `quarn dump`: record files and bare value streams as text
 #include "Dump.h"
 
+#include <quarn/core/iPropertyCollection.h>
 #include <quarn/value/ArrayValue.h>
 #include <quarn/value/BitsetValue.h>
 #include <quarn/value/ByteCodec.h>
@@ -142,6 +143,18 @@ void printValue(std::ostream &out, Value const &value, std::string const &indent
   }
 }
 
+/// One record: a value, or a record's properties, a line each with its name.
+void printRecord(std::ostream &out, Object const &record) {
+  if (auto const *value = static_cast<Value const *>(record.findAs(Value::Tag))) return printValue(out, *value, "");
+  auto const &list = *static_cast<iPropertyCollection const *>(record.getAs(iPropertyCollection::Tag));
+  out << record.getClassTag().getName() << ", " << list.getPropertyCount() << (list.getPropertyCount() == 1 ? " property" : " properties") << '\n';
+  for (unsigned int i = 0; i < list.getPropertyCount(); ++i) {
+    iProperty const &property = *list.getProperty(i);
+    out << "  " << utf8(property.getName()) << ": ";
+    printValue(out, *property.getValue(), "  ");
+  }
+}
+
 // ---- raw framing
 
 /// The stream int at `p` (with `left` bytes there), or false when it runs short.
@@ -253,7 +266,7 @@ struct Dumper {
     std::uint64_t read = 0;
     for (;;) {
       try {
-        ObjPtr<Value> record;
+        ObjPtr<Object> record;
         unsigned char const *bytes;
         std::uint32_t size;
         if (raw ? !in.nextBytes(bytes, size) : !in.next(record)) break;
@@ -264,7 +277,7 @@ struct Dumper {
           printRaw(out, bytes, size, in.getRecordOffset() + recordfile::kFrameBytes, false);
         } else {
           out << ": ";
-          printValue(out, *record, "");
+          printRecord(out, *record);
         }
         ++read;
       } catch (Exception const &e) {

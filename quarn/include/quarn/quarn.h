@@ -35,10 +35,16 @@
 #include <quarn/core/Interface.h>
 #include <quarn/core/Interfaces.h>
 #include <quarn/core/Object.h>
+#include <quarn/core/ObjectImpl.h>
 #include <quarn/core/PooledClassImp.h>
 #include <quarn/core/PooledObject.h>
 #include <quarn/core/Ptr.h>
 #include <quarn/core/iComponent.h>
+#include <quarn/core/iDataRecord.h>
+#include <quarn/core/iDataTree.h>
+#include <quarn/core/iNode.h>
+#include <quarn/core/iProperty.h>
+#include <quarn/core/iPropertyCollection.h>
 
 // value: typed values and their byte streams
 #include <quarn/value/ArrayValue.h>
@@ -84,7 +90,19 @@
 #include <quarn/value/ValueGlue.h>
 #include <quarn/value/ValueTypeConverter.h>
 
-// data: property type names
+// data: records, trees, their properties and the property type names
+#include <quarn/data/DataNode.h>
+#include <quarn/data/DataRecord.h>
+#include <quarn/data/DataTree.h>
+#include <quarn/data/NodeReferenceSet.h>
+#include <quarn/data/Property.h>
+#include <quarn/data/PropertyCollection.h>
+#include <quarn/data/PropertyHelpers.h>
+#include <quarn/data/PropertyListImpl.h>
+#include <quarn/data/PropertyReferenceSet.h>
+#include <quarn/data/PropertyTable.h>
+#include <quarn/data/ReferenceSetImpl.h>
+#include <quarn/data/TreeHelpers.h>
 #include <quarn/data/VariableType.h>
 
 // eval: statistical functions

@@ -17,9 +17,9 @@
 #include <filesystem>
 #include <string>
 
+#include "ElementByName.h"
 #include "NarrowText.h"
 #include "RecordFrames.h"
-#include "ValueByName.h"
 
 namespace quarn {
 
@@ -33,21 +33,14 @@ constexpr std::size_t kGrowBytes = 1 << 20;
 /// Bytes taken at a time while searching for an intact frame.
 constexpr std::size_t kSearchChunk = 4096;
 
-/// The value `payload` holds: its class name, then its own bytes, all of them.
-Value *decodeRecord(unsigned char const *payload, std::uint32_t size, int version) {
+/// Reads the class name that opens a record's payload, gets the object to
+/// read into from `into`, reads its bytes and checks that it read all of them.
+template <class Into>
+void decodeRecord(unsigned char const *payload, std::uint32_t size, int version, Into into) {
   MemoryInputStream in(payload, size, version);
-  int length;
-  in >> length;
-  if (length == 0 || length == 1) throw Exception("no class name");
-  if (length < 0 || static_cast<unsigned int>(length) - 1 > ValueArrayValue::kMaxClassNameLength)
-    throw Exception("invalid class name length %d", length);
-  BaseString<char> name;
-  detail::readNarrowBytes(in, name, static_cast<unsigned int>(length - 1));
-  if (std::memchr(name.getBuffer(), 0, name.getLength())) throw Exception("class name with a zero byte");
-  ObjPtr<Value> value(detail::makeValueByName(name));
-  value->deserialize(in);
+  Object &record = into(detail::readClassName(in, 0, nullptr));
+  record.deserialize(in);
   if (in.getRemaining() != 0) throw Exception("the value read %u of its %u bytes", in.getPosition(), size);
-  return value.detach();
 }
 
 }  // namespace
@@ -250,17 +243,41 @@ bool RecordFileReader::nextBytes(unsigned char const *&bytes, std::uint32_t &siz
   return true;
 }
 
-bool RecordFileReader::next(ObjPtr<Value> &record) {
+template <class Into>
+bool RecordFileReader::nextInto(Into into) {
   unsigned char const *bytes;
   std::uint32_t size;
   if (!nextBytes(bytes, size)) return false;
   try {
-    record.reset(decodeRecord(bytes, size, m_header.streamVersion));
+    decodeRecord(bytes, size, m_header.streamVersion, into);
   } catch (Exception const &e) {
     throw Exception("Record %llu at offset %llu: %ls", static_cast<ull>(m_recordIndex),
                     static_cast<ull>(m_recordOffset), e.getMessage().getBuffer());
   }
   return true;
+}
+
+bool RecordFileReader::next(ObjPtr<Value> &record) {
+  return nextInto([&](BaseString<char> const &name) -> Object & {
+    record.reset(detail::makeByName(name));
+    return *record;
+  });
+}
+
+bool RecordFileReader::next(ObjPtr<Object> &record) {
+  return nextInto([&](BaseString<char> const &name) -> Object & {
+    record.reset(detail::makeRecordByName(name));
+    return *record;
+  });
+}
+
+bool RecordFileReader::next(Object &record) {
+  return nextInto([&](BaseString<char> const &name) -> Object & {
+    char const *mine = record.getClassTag().getName();
+    if (!ClassTag::isInterned(name.getBuffer()) || ClassTag(name.getBuffer()).getId() != record.getClassTag().getId())
+      throw Exception("the record holds a %hs, not a %hs", name.getBuffer(), mine);
+    return record;
+  });
 }
 
 void RecordFileReader::seek(std::uint64_t index) {

@@ -76,7 +76,7 @@ RecordFileWriter::~RecordFileWriter() {
   }
 }
 
-void RecordFileWriter::write(Value const &record) {
+void RecordFileWriter::write(Object const &record) {
   m_buffer.clear();
   char const *name = record.getClassTag().getName();
   detail::writeNarrowText(m_buffer, name, name ? static_cast<unsigned int>(std::strlen(name)) : 0);

@@ -12,8 +12,8 @@
 
 #include "ArrayCoding.h"
 #include "ElementArrays.h"
+#include "ElementByName.h"
 #include "NarrowText.h"
-#include "ValueByName.h"
 
 namespace quarn {
 
@@ -70,22 +70,8 @@ class NestingLevel {
   NestingLevel &operator=(NestingLevel const &) = delete;
 };
 
-/// The class name of element `index`, read from its framing.
-BaseString<char> readClassName(iByteInputStream &in, unsigned int index) {
-  int length;
-  in >> length;
-  if (length == 0 || length == 1) [[unlikely]]
-    throw Exception("ValueArrayValue element %u has no class name", index);
-  if (length < 0 || static_cast<unsigned int>(length) - 1 > ValueArrayValue::kMaxClassNameLength) [[unlikely]]
-    throw Exception("Invalid class name length %d in ValueArrayValue element %u", length, index);
-  BaseString<char> name;
-  detail::readNarrowBytes(in, name, static_cast<unsigned int>(length - 1));
-  if (std::memchr(name.getBuffer(), 0, name.getLength())) [[unlikely]]
-    throw Exception("ValueArrayValue element %u has a class name with a zero byte", index);
-  return name;
-}
-
 }  // namespace
+
 
 QUARN_DEFINE_VALUE_CLASS(ValueArrayValue);
 
@@ -147,8 +133,8 @@ void ValueArrayValue::deserialize(iByteInputStream &in) {
     Gathered read;
     read.values.reserve(std::min(n, detail::kElementChunk));
     for (unsigned int k = 0; k < n; ++k) {
-      BaseString<char> name = readClassName(in, k);
-      Value *value = detail::makeValueByName(name);
+      BaseString<char> name = detail::readClassName(in, k, "ValueArrayValue element");
+      Value *value = detail::makeByName(name);
       read.adopt(value);
       value->deserialize(in);
     }

@@ -14,6 +14,11 @@
 
 #include <quarn/core/Interface.h>
 #include <quarn/core/iComponent.h>
+#include <quarn/core/iDataRecord.h>
+#include <quarn/core/iDataTree.h>
+#include <quarn/core/iNode.h>
+#include <quarn/core/iProperty.h>
+#include <quarn/core/iPropertyCollection.h>
 
 namespace quarn {
 
@@ -28,8 +33,6 @@ QUARN_DECLARE_INTERFACE(iComponentInfo);
 QUARN_DECLARE_INTERFACE(iComponentRunner);
 QUARN_DECLARE_INTERFACE(iConnection);
 QUARN_DECLARE_INTERFACE(iContext);
-QUARN_DECLARE_INTERFACE(iDataRecord);
-QUARN_DECLARE_INTERFACE(iDataTree);
 QUARN_DECLARE_INTERFACE(iExpression);
 QUARN_DECLARE_INTERFACE(iExpressionParser);
 QUARN_DECLARE_INTERFACE(iGroupParameter);
@@ -39,12 +42,9 @@ QUARN_DECLARE_INTERFACE(iMacroMolecule);
 QUARN_DECLARE_INTERFACE(iMolecularUtilities);
 QUARN_DECLARE_INTERFACE(iMolecule);
 QUARN_DECLARE_INTERFACE(iMultiDB2);
-QUARN_DECLARE_INTERFACE(iNode);
 QUARN_DECLARE_INTERFACE(iNodeLocation);
 QUARN_DECLARE_INTERFACE(iParameter);
 QUARN_DECLARE_INTERFACE(iParameterCollection);
-QUARN_DECLARE_INTERFACE(iProperty);
-QUARN_DECLARE_INTERFACE(iPropertyCollection);
 QUARN_DECLARE_INTERFACE(iPropertyInfo);
 QUARN_DECLARE_INTERFACE(iProtocolInfo);
 QUARN_DECLARE_INTERFACE(iRandom);

@@ -28,6 +28,9 @@
 //   RecordFileReader in("records.qrf");
 //   ObjPtr<Value> record;
 //   while (in.next(record)) use(*record);
+//
+//   Ptr<DataRecord> record(DataRecord::newInstance());   // or read into one object
+//   while (in.next(*record)) use(*record);
 #pragma once
 
 #include <quarn/core/Export.h>
@@ -43,6 +46,7 @@
 
 namespace quarn {
 
+class Object;
 class Value;
 
 /// Not thread-safe; not copyable.
@@ -62,6 +66,15 @@ class QUARN_API RecordFileReader {
   /// Reads the next record into `record` (a new value of the class the
   /// record names, handed back with `record`); false at the end of the file.
   bool next(ObjPtr<Value> &record);
+  /// As next(ObjPtr<Value> &), for a file of values or data records (such as
+  /// DataRecord): a record of any other class is damage ("Class %hs is
+  /// neither a value nor a data record").
+  bool next(ObjPtr<Object> &record);
+  /// Reads the next record into `record`, an object of the class the record
+  /// names (a DataRecord, say, or a value kept from record to record), which
+  /// it replaces the content of; false at the end of the file. A record of
+  /// another class is damage: "the record holds a %hs, not a %hs".
+  bool next(Object &record);
   /// Reads the next record's checked bytes (its class name framing, then the
   /// value's payload) without making anything; false at the end of the file.
   /// The bytes stay valid until the next call.
@@ -85,6 +98,8 @@ class QUARN_API RecordFileReader {
  private:
   enum class Step { kRecord, kEnd };
   void readHeader();
+  template <class Into>
+  bool nextInto(Into into);
   Step step(bool readPayload);
   void moveTo(std::uint64_t offset);
   std::size_t take(unsigned char *data, std::size_t count);

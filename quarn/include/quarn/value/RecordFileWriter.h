@@ -1,8 +1,9 @@
 // RecordFileWriter.h - writes values to a record file, each framed and checksummed
 //
-// The format is in RecordFile.h. Each record is any value, written with its
-// class name so that a reader makes it by name: a ValueArrayValue, or any
-// other class, alike. A record is serialised into memory first, so a value
+// The format is in RecordFile.h. Each record is any object with a byte-stream
+// form, written with its class name: a value (a ValueArrayValue, or any other
+// value class), which a reader makes by name, or a DataRecord, which a reader
+// reads into a record of its own (RecordFileReader::next(Object &)). A record is serialised into memory first, so a value
 // that fails to serialise writes nothing and the file stays as it was.
 // close() ends the file with an end marker; a file whose writer never closed
 // it reads as cut after its last whole record.
@@ -28,7 +29,7 @@
 
 namespace quarn {
 
-class Value;
+class Object;
 
 /// Not thread-safe; not copyable.
 class QUARN_API RecordFileWriter {
@@ -44,8 +45,8 @@ class QUARN_API RecordFileWriter {
   /// Closes the file; a failure here is not reported (call close() to see it).
   ~RecordFileWriter();
 
-  /// Appends `record` (any value) as the next record.
-  void write(Value const &record);
+  /// Appends `record` (a value, a DataRecord: any object with a byte-stream form) as the next record.
+  void write(Object const &record);
   /// Writes the end marker and closes the file; closing twice does nothing.
   void close();
 
