@@ -8,16 +8,19 @@
 
 #include "Counter.h"
 #include "Greeter.h"
+#include "Sampler.h"
 
 namespace example {
 QUARN_DEFINE_INTERFACE(iGreeting);
 QUARN_DEFINE_INTERFACE(iCounter);
+QUARN_DEFINE_INTERFACE(iSampler);
 }  // namespace example
 
 namespace {
 quarn::ComponentLibrary const library{
     quarn::componentClass<example::Greeter>("Says hello to whoever it is given"),
     quarn::componentClass<example::Counter>("Counts, one instance at a time"),
+    quarn::componentClass<example::Sampler>("Draws a scaled random sample into each record"),
 };
 }  // namespace
 

@@ -13,9 +13,15 @@
 //    that each equals its original property by property, tells how many value
 //    objects the pools handed out again instead of allocating, and how to look
 //    into the file with `quarn dump` (the file is kept for that).
-// 5. Removes the registration files again, and exits 0 (1 on any failure).
+// 5. Runs the sampler inside a run context: the host fills the run's
+//    properties, makes the sampler current with its parameter "scale" and
+//    seeds the run's random source; the sampler reads the parameter through
+//    the context for each record and writes its draw into the record. A
+//    second run with the same seed gives the same draws.
+// 6. Removes the registration files again, and exits 0 (1 on any failure).
 #include <example/iCounter.h>
 #include <example/iGreeting.h>
+#include <example/iSampler.h>
 #include <quarn/core/CClassRegistryFile.h>
 #include <quarn/core/CZedLibraryUtils.h>
 #include <quarn/core/Class.h>
@@ -24,6 +30,9 @@
 #include <quarn/core/Ptr.h>
 #include <quarn/data/DataRecord.h>
 #include <quarn/data/PropertyHelpers.h>
+#include <quarn/eval/ComponentInfo.h>
+#include <quarn/eval/RunContext.h>
+#include <quarn/util/RunEnvironment.h>
 #include <quarn/value/BitsetValue.h>
 #include <quarn/value/DoubleArrayValue.h>
 #include <quarn/value/DoubleValue.h>
@@ -47,6 +56,8 @@ constexpr char kGreeter[] = "Marlix.example.Greeter";
 constexpr char kCounter[] = "Marlix.example.Counter";
 constexpr char kGreetingInterface[] = "Marlix.interface.iGreeting";
 constexpr char kCounterInterface[] = "Marlix.interface.iCounter";
+constexpr char kSampler[] = "Marlix.example.Sampler";
+constexpr char kSamplerInterface[] = "Marlix.interface.iSampler";
 
 void registerExample(quarn::Array<quarn::CZedClassInfo> const &classes, char const *library) {
   quarn::CZedLibraryUtils::RegisterLibraryClasses(classes, library);
@@ -176,6 +187,55 @@ void useValues() {
   std::printf("value objects: %lu from the allocator, %lu handed out again by the pools\n", made, reused);
 }
 
+// One run of the sampler over `count` fresh records, inside `context`; the draws.
+std::vector<double> runSampler(example::iSampler &sampler, quarn::iContext &context, int count, bool print) {
+  std::vector<double> draws;
+  for (int n = 0; n < count; ++n) {
+    quarn::Ptr<quarn::DataRecord> record(quarn::DataRecord::newInstance());
+    quarn::util::defineIntegerValue(*record, quarn::BaseString<unsigned short>("n"), n);
+    draws.push_back(sampler.sample(context, *record));
+    if (print)
+      std::printf("  record %d: sample %.4f\n", n,
+                  record->findProperty(quarn::BaseString<unsigned short>("sample"))->getValue()->getDouble());
+  }
+  return draws;
+}
+
+void useRunContext() {
+  using Name = quarn::BaseString<unsigned short>;
+  constexpr long kSeed = 2026;
+  // The run: its properties, as the platform would fill them in.
+  quarn::Ptr<quarn::RunContext> context(quarn::RunContext::newInstance());
+  quarn::iPropertyCollection &run = *context->getRunProperties();
+  Name user;
+  quarn::util::getUserName(user);  // the operating system's answer
+  quarn::util::defineStringValue(run, Name("USERNAME"), user);
+  quarn::util::defineStringValue(run, Name("RunDirectoryLocal"),
+                                 Name(std::filesystem::temp_directory_path().string().c_str()));
+  Name runUser("nobody"), temp;
+  quarn::util::getUserName(context.get(), runUser);  // what a component reads back
+  quarn::util::getLocalRunDirectoryTemp(context.get(), temp);
+  std::printf("run context: user %s, temporary directory %s\n", quarn::util::ConvertStringtoUTF8(runUser).getBuffer(),
+              quarn::util::ConvertStringtoUTF8(temp).getBuffer());
+
+  // The component to run, and its parameters.
+  quarn::Ptr<quarn::ComponentInfo> info(quarn::ComponentInfo::newInstance());
+  info->setComponentClass(quarn::ClassTag(kSampler));
+  quarn::util::defineDoubleValue(*info, Name("scale"), 100.0);
+  context->setComponentInfo(info.get());
+  quarn::Ptr<example::iSampler> sampler(static_cast<example::iSampler *>(
+      quarn::Class::getClassInstance(quarn::ClassTag(kSampler))->getAs(quarn::ClassTag(kSamplerInterface))));
+
+  constexpr int kRecords = 5;
+  std::printf("%s with scale 100, seed %ld:\n", kSampler, kSeed);
+  context->getRandom()->setSeed(kSeed);
+  std::vector<double> const first = runSampler(*sampler, *context, kRecords, true);
+  context->getRandom()->setSeed(kSeed);
+  bool const same = runSampler(*sampler, *context, kRecords, false) == first;
+  std::printf("the same seed again gives %s draws\n", same ? "the same" : "different");
+  if (!same) throw quarn::Exception("a seeded run did not repeat its draws");
+}
+
 }  // namespace
 
 int main(int argc, char **argv) {
@@ -183,12 +243,14 @@ int main(int argc, char **argv) {
   quarn::Array<quarn::CZedClassInfo> classes;
   classes.append(quarn::CZedClassInfo(kGreeter, "Says hello to whoever it is given", library));
   classes.append(quarn::CZedClassInfo(kCounter, "Counts, one instance at a time", library));
+  classes.append(quarn::CZedClassInfo(kSampler, "Draws a scaled random sample into each record", library));
   int status = 0;
   try {
     registerExample(classes, library);
     useGreeter();
     useCounters();
     useValues();
+    useRunContext();
   } catch (std::exception const &e) {
     std::fprintf(stderr, "quarn_example_host: %s\n", e.what());
     status = 1;

@@ -40,11 +40,15 @@
 #include <quarn/core/PooledObject.h>
 #include <quarn/core/Ptr.h>
 #include <quarn/core/iComponent.h>
+#include <quarn/core/iComponentInfo.h>
+#include <quarn/core/iContext.h>
 #include <quarn/core/iDataRecord.h>
 #include <quarn/core/iDataTree.h>
 #include <quarn/core/iNode.h>
 #include <quarn/core/iProperty.h>
 #include <quarn/core/iPropertyCollection.h>
+#include <quarn/core/iRandom.h>
+#include <quarn/core/iRunnerSoap.h>
 
 // value: typed values and their byte streams
 #include <quarn/value/ArrayValue.h>
@@ -105,10 +109,18 @@
 #include <quarn/data/TreeHelpers.h>
 #include <quarn/data/VariableType.h>
 
-// eval: statistical functions
+// eval: statistical functions, the context in which expressions are
+// evaluated, and the run context
+#include <quarn/eval/ComponentInfo.h>
+#include <quarn/eval/ContextParamsPushPop.h>
+#include <quarn/eval/ExpressionContext.h>
 #include <quarn/eval/Math.h>
+#include <quarn/eval/RandomSource.h>
+#include <quarn/eval/RunContext.h>
 
-// util: text encodings
+// util: text encodings, the run environment and job states
+#include <quarn/util/JobStatus.h>
 #include <quarn/util/NameEncoding.h>
+#include <quarn/util/RunEnvironment.h>
 #include <quarn/util/TextEncoding.h>
 #include <quarn/util/TimeStamp.h>

@@ -14,11 +14,15 @@
 
 #include <quarn/core/Interface.h>
 #include <quarn/core/iComponent.h>
+#include <quarn/core/iComponentInfo.h>
+#include <quarn/core/iContext.h>
 #include <quarn/core/iDataRecord.h>
 #include <quarn/core/iDataTree.h>
 #include <quarn/core/iNode.h>
 #include <quarn/core/iProperty.h>
 #include <quarn/core/iPropertyCollection.h>
+#include <quarn/core/iRandom.h>
+#include <quarn/core/iRunnerSoap.h>
 
 namespace quarn {
 
@@ -29,10 +33,8 @@ QUARN_DECLARE_INTERFACE(iChain);
 QUARN_DECLARE_INTERFACE(iCheckpointBehavior);
 QUARN_DECLARE_INTERFACE(iComponentDB);
 QUARN_DECLARE_INTERFACE(iComponentErrorHandler);
-QUARN_DECLARE_INTERFACE(iComponentInfo);
 QUARN_DECLARE_INTERFACE(iComponentRunner);
 QUARN_DECLARE_INTERFACE(iConnection);
-QUARN_DECLARE_INTERFACE(iContext);
 QUARN_DECLARE_INTERFACE(iExpression);
 QUARN_DECLARE_INTERFACE(iExpressionParser);
 QUARN_DECLARE_INTERFACE(iGroupParameter);
@@ -47,11 +49,9 @@ QUARN_DECLARE_INTERFACE(iParameter);
 QUARN_DECLARE_INTERFACE(iParameterCollection);
 QUARN_DECLARE_INTERFACE(iPropertyInfo);
 QUARN_DECLARE_INTERFACE(iProtocolInfo);
-QUARN_DECLARE_INTERFACE(iRandom);
 QUARN_DECLARE_INTERFACE(iReaction);
 QUARN_DECLARE_INTERFACE(iResidue);
 QUARN_DECLARE_INTERFACE(iRunComponent);
-QUARN_DECLARE_INTERFACE(iRunnerSoap);
 QUARN_DECLARE_INTERFACE(iSGMapper);
 QUARN_DECLARE_INTERFACE(iScopedDataTree);
 QUARN_DECLARE_INTERFACE(iScopedPropertiesNode);
