@@ -4,7 +4,7 @@
 // iDataTree) through its class table. So that every test can register a class
 // name of its own, any name that starts with "Marlix.testlib.any." is served
 // by an Echo; a name that starts with "Marlix.testlib.throw." makes the entry
-// point throw.
+// point throw. It describes itself (DllDescribeLibrary).
 #include <quarn/core/ComponentImpl.h>
 #include <quarn/core/ComponentLibrary.h>
 #include <quarn/core/Interfaces.h>
@@ -40,3 +40,5 @@ extern "C" QUARN_COMPONENT_EXPORT quarn::DynamicObject *DllCreateInstance(char c
   if (startsWith(className, "Marlix.testlib.any.")) return library.createInstance("Marlix.testlib.Echo");
   return library.createInstance(className);
 }
+
+extern "C" QUARN_COMPONENT_EXPORT quarn::LibraryDescription const *DllDescribeLibrary() { return library.describe(); }
