@@ -15,6 +15,7 @@
 #include <cstring>
 #include <cstdlib>
 #include <memory>
+#include <string>
 
 #include "Trace.h"
 
@@ -276,7 +277,17 @@ BaseString<char> CClassRegistryFile::GetLibraryPath() {
   Dl_info where{};
   if (dladdr(&anchor, &where) == 0 || !where.dli_fname || !*where.dli_fname)
     throw Exception("Failed to get module file name for registration file");
-  return BaseString<char>(where.dli_fname);
+  // The loader may name it through a run path ("/opt/quarn/bin/../lib/..."):
+  // the folder is shown resolved, the file keeps the name it was loaded by.
+  char const *file = where.dli_fname;
+  char const *slash = std::strrchr(file, '/');
+  if (!slash) return BaseString<char>(file);
+  std::unique_ptr<char, decltype(&std::free)> folder(
+      realpath(std::string(file, static_cast<std::size_t>(slash - file)).c_str(), nullptr), &std::free);
+  if (!folder) return BaseString<char>(file);
+  BaseString<char> path(folder.get());
+  path.append(slash, static_cast<unsigned int>(std::strlen(slash)));
+  return path;
 }
 
 BaseString<char> CClassRegistryFile::GetDefaultClassesDirectory() {
