@@ -8,7 +8,9 @@
 //
 //   extern "C" quarn::DynamicObject *DllCreateInstance(char const *className);
 //
-// with the class name; the entry point returns a new instance or null. These
+// with the class name; the entry point returns a new instance or null (a
+// library may also describe itself with DllDescribeLibrary, ComponentLibrary.h,
+// which the "not registered" message uses to list what it does serve). These
 // are the operations Class::getClass / getClassInstance / findClassInstance
 // fall back on when no class is bound to a tag.
 //
