@@ -158,6 +158,7 @@ LibraryProbe probeLibrary(std::string const &path, std::vector<std::string> cons
   }
   if (child == 0) {
     ::close(fds[0]);
+    ::dup2(STDERR_FILENO, STDOUT_FILENO);  // whatever the library prints stays out of the tool's results
     std::string report = childReport(path, names, tryDescribed);
     for (std::size_t done = 0; done < report.size();) {
       ssize_t n = ::write(fds[1], report.data() + done, report.size() - done);
