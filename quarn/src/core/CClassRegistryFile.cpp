@@ -272,7 +272,8 @@ bool readDataFile(ClassTag const &tag, BaseString<char> const &path, CZedClassIn
 
 }  // namespace
 
-BaseString<char> CClassRegistryFile::GetLibraryPath() {
+namespace {
+BaseString<char> findLibraryPath() {
   static char const anchor = 0;  // any address inside libquarn
   Dl_info where{};
   if (dladdr(&anchor, &where) == 0 || !where.dli_fname || !*where.dli_fname)
@@ -287,6 +288,12 @@ BaseString<char> CClassRegistryFile::GetLibraryPath() {
   if (!folder) return BaseString<char>(file);
   BaseString<char> path(folder.get());
   path.append(slash, static_cast<unsigned int>(std::strlen(slash)));
+  return path;
+}
+}  // namespace
+
+BaseString<char> CClassRegistryFile::GetLibraryPath() {
+  static BaseString<char> const path = findLibraryPath();  // the library does not move while loaded
   return path;
 }
 
