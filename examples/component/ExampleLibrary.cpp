@@ -2,19 +2,15 @@
 //
 // A component library lists its classes once, in a ComponentLibrary, and
 // exports DllCreateInstance, which the class system calls with a class name
-// when a host asks for a class that the library's registration files name.
-// The library also defines the statics of the interfaces it introduces.
+// when a host asks for a class that the library's registration files name,
+// and DllDescribeLibrary, which tells a tool (quarn inspect, quarn register
+// --all) what it serves. The statics of its interfaces live in
+// libquarnExampleInterfaces (Interfaces.cpp).
 #include <quarn/core/ComponentLibrary.h>
 
 #include "Counter.h"
 #include "Greeter.h"
 #include "Sampler.h"
-
-namespace example {
-QUARN_DEFINE_INTERFACE(iGreeting);
-QUARN_DEFINE_INTERFACE(iCounter);
-QUARN_DEFINE_INTERFACE(iSampler);
-}  // namespace example
 
 namespace {
 quarn::ComponentLibrary const library{
@@ -29,3 +25,6 @@ quarn::ComponentLibrary const library{
 extern "C" QUARN_COMPONENT_EXPORT quarn::DynamicObject *DllCreateInstance(char const *className) {
   return library.createInstance(className);
 }
+
+/// What this library serves, with descriptions, and the libquarn it was built against.
+extern "C" QUARN_COMPONENT_EXPORT quarn::LibraryDescription const *DllDescribeLibrary() { return library.describe(); }

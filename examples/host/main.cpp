@@ -2,11 +2,15 @@
 //
 // Usage: quarn_example_host [path of the example component library]
 //
+// Without a path it uses the library installed beside it (../lib), or else
+// the one built with it.
+//
 // 1. Writes the registration files of the two example classes, naming the
 //    component library (the files go in the "classes" folder beside libquarn).
 // 2. Creates each class by name alone: the class system finds its
 //    registration file, loads the library and calls its DllCreateInstance.
-// 3. Asks each object for its interface by tag and uses it.
+// 3. Asks each object for its interface by type (the interfaces' statics live
+//    in libquarnExampleInterfaces, which the host links) and uses it.
 // 4. Has the components make records of typed values (one DataRecord a
 //    record, with named properties), writes the records to a record file
 //    (each framed and checksummed), reads them back into a record, checks
@@ -51,13 +55,19 @@
 
 namespace {
 
-// The host knows the classes and interfaces by name only.
+// The host knows the classes by name only, and their interfaces by type.
 constexpr char kGreeter[] = "Marlix.example.Greeter";
 constexpr char kCounter[] = "Marlix.example.Counter";
-constexpr char kGreetingInterface[] = "Marlix.interface.iGreeting";
-constexpr char kCounterInterface[] = "Marlix.interface.iCounter";
 constexpr char kSampler[] = "Marlix.example.Sampler";
-constexpr char kSamplerInterface[] = "Marlix.interface.iSampler";
+
+// The component library installed beside this program, else the one built with it.
+std::string defaultLibrary() {
+  std::error_code error;
+  std::filesystem::path self = std::filesystem::read_symlink("/proc/self/exe", error);
+  std::filesystem::path installed = self.parent_path() / QUARN_EXAMPLE_INSTALLED_COMPONENT;
+  if (!error && std::filesystem::exists(installed, error)) return installed.lexically_normal().string();
+  return QUARN_EXAMPLE_COMPONENT;
+}
 
 void registerExample(quarn::Array<quarn::CZedClassInfo> const &classes, char const *library) {
   quarn::CZedLibraryUtils::RegisterLibraryClasses(classes, library);
@@ -71,7 +81,7 @@ void useGreeter() {
   // named by the registration file. The object comes with a count of 0.
   quarn::Object *object = quarn::Class::getClassInstance(quarn::ClassTag(kGreeter));
   // getAs throws NotImplementedException if the object lacks the interface.
-  auto *greeting = static_cast<example::iGreeting *>(object->getAs(quarn::ClassTag(kGreetingInterface)));
+  auto *greeting = object->getAs<example::iGreeting>();
   quarn::Ptr<example::iGreeting> held(greeting);  // the one reference; released at the end of scope
   std::printf("%s says: %s\n", object->getClassTag().getName(), held->greet("quarn").getBuffer());
 }
@@ -80,8 +90,8 @@ void useCounters() {
   // createInstance goes to the component library every time (no class lookup first).
   quarn::Ptr<quarn::DynamicObject> first(quarn::createInstance(kCounter));
   quarn::Ptr<quarn::DynamicObject> second(quarn::createInstance(kCounter));
-  auto *a = static_cast<example::iCounter *>(first->getAs(quarn::ClassTag(kCounterInterface)));
-  auto *b = static_cast<example::iCounter *>(second->getAs(quarn::ClassTag(kCounterInterface)));
+  auto *a = first->getAs<example::iCounter>();
+  auto *b = second->getAs<example::iCounter>();
   for (int i = 0; i < 3; ++i) a->increment();
   b->increment();
   std::printf("%s: first counted to %d, second to %d\n", kCounter, a->getCount(), b->getCount());
@@ -136,10 +146,10 @@ bool sameRecord(quarn::DataRecord const &a, quarn::DataRecord const &b) {
 
 void useValues() {
   constexpr int kRecords = 100;
-  quarn::Ptr<example::iCounter> counter(static_cast<example::iCounter *>(
-      quarn::Class::getClassInstance(quarn::ClassTag(kCounter))->getAs(quarn::ClassTag(kCounterInterface))));
-  quarn::Ptr<example::iGreeting> greeter(static_cast<example::iGreeting *>(
-      quarn::Class::getClassInstance(quarn::ClassTag(kGreeter))->getAs(quarn::ClassTag(kGreetingInterface))));
+  quarn::Ptr<example::iCounter> counter(
+      quarn::Class::getClassInstance(quarn::ClassTag(kCounter))->getAs<example::iCounter>());
+  quarn::Ptr<example::iGreeting> greeter(
+      quarn::Class::getClassInstance(quarn::ClassTag(kGreeter))->getAs<example::iGreeting>());
   std::string const path = (std::filesystem::temp_directory_path() / "quarn-demo-records.qrf").string();
 
   // Make the records one at a time, as a pipeline does, and write each out.
@@ -223,8 +233,8 @@ void useRunContext() {
   info->setComponentClass(quarn::ClassTag(kSampler));
   quarn::util::defineDoubleValue(*info, Name("scale"), 100.0);
   context->setComponentInfo(info.get());
-  quarn::Ptr<example::iSampler> sampler(static_cast<example::iSampler *>(
-      quarn::Class::getClassInstance(quarn::ClassTag(kSampler))->getAs(quarn::ClassTag(kSamplerInterface))));
+  quarn::Ptr<example::iSampler> sampler(
+      quarn::Class::getClassInstance(quarn::ClassTag(kSampler))->getAs<example::iSampler>());
 
   constexpr int kRecords = 5;
   std::printf("%s with scale 100, seed %ld:\n", kSampler, kSeed);
@@ -239,7 +249,8 @@ void useRunContext() {
 }  // namespace
 
 int main(int argc, char **argv) {
-  char const *library = argc > 1 ? argv[1] : QUARN_EXAMPLE_COMPONENT;
+  std::string const chosen = argc > 1 ? argv[1] : defaultLibrary();
+  char const *library = chosen.c_str();
   quarn::Array<quarn::CZedClassInfo> classes;
   classes.append(quarn::CZedClassInfo(kGreeter, "Says hello to whoever it is given", library));
   classes.append(quarn::CZedClassInfo(kCounter, "Counts, one instance at a time", library));

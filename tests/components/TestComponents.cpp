@@ -6,7 +6,7 @@
 // class name of its own, any name that starts with "Marlix.testlib.any." is
 // served by an Echo and any that starts with "Marlix.testlib.bag." by a
 // PropertyBag; a name that starts with "Marlix.testlib.throw." makes the
-// entry point throw.
+// entry point throw. It describes itself (DllDescribeLibrary).
 #include <quarn/core/ComponentImpl.h>
 #include <quarn/core/ComponentLibrary.h>
 #include <quarn/core/Interfaces.h>
@@ -53,3 +53,5 @@ extern "C" QUARN_COMPONENT_EXPORT quarn::DynamicObject *DllCreateInstance(char c
   if (startsWith(className, "Marlix.testlib.bag.")) return library.createInstance("Marlix.testlib.PropertyBag");
   return library.createInstance(className);
 }
+
+extern "C" QUARN_COMPONENT_EXPORT quarn::LibraryDescription const *DllDescribeLibrary() { return library.describe(); }

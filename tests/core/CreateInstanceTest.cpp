@@ -70,15 +70,20 @@ TEST(CreateInstanceTest, UnregisteredNameOrALibraryThatMakesNothingMakesNothingA
   EXPECT_FALSE(quarn::isClassNameRegistered(unregistered.c_str()));
   EXPECT_FALSE(quarn::ServerPathFromClassName(ClassTag(unregistered.c_str()), path));
   EXPECT_EQ(path, quarn::BaseString<unsigned short>("unchanged"));
-  for (ScratchClass const *scratch : {&unregistered, &nothing}) {
+  // The message says where the registration was looked for, or what the library made instead.
+  std::string const madeNothing = "Class " + nothing.name() + " not registered.\nRegistration file " + nothing.path() +
+                                  " names library " + QUARN_TEST_COMPONENTS +
+                                  ", which made no object of this class.\nThe library serves: Marlix.testlib.Widget, "
+                                  "Marlix.testlib.Echo, Marlix.testlib.PropertyBag.";
+  for (auto const &[scratch, message] :
+       {std::pair{&unregistered, quarn::test::notRegistered(unregistered.name())}, std::pair{&nothing, madeNothing}}) {
     ClassTag tag(scratch->c_str());
     EXPECT_EQ(quarn::createInstance(tag), nullptr);
     EXPECT_EQ(quarn::createInstance(scratch->c_str()), nullptr);
     EXPECT_EQ(Class::findClassInstance(tag), nullptr);
-    EXPECT_QUARN_THROW(Class::getClassInstance(tag), "Class " + scratch->name() + " not registered.");
+    EXPECT_QUARN_THROW(Class::getClassInstance(tag), message);
+    EXPECT_QUARN_THROW(Class::getClass(tag), message);
   }
-  EXPECT_QUARN_THROW(Class::getClass(ClassTag(unregistered.c_str())),
-                     "Class " + unregistered.name() + " not registered.");
   // the server path is UTF-16 and must name a library
   ScratchClass scratch, none("Marlix.test.", ".none");
   scratch.registerTo("/opt/caf\xC3\xA9/lib.so");

@@ -13,6 +13,7 @@
 #include <thread>
 #include <vector>
 
+#include "core/RegistrationFiles.h"
 #include "support/ExpectThrow.h"
 
 namespace {
@@ -180,7 +181,7 @@ TEST_F(PoolTest, LookupByTagCreatesThroughBoundClassAndStatisticsAreEmptyByDefau
   EXPECT_EQ(&quarn::Class::getClass(Unbounded::Tag), &Unbounded::m_class);
   quarn::ClassTag unknown("Marlix.test.NobodyServesThis");
   EXPECT_EQ(quarn::Class::findClass(unknown), nullptr);
-  EXPECT_QUARN_THROW(quarn::Class::getClass(unknown), "Class Marlix.test.NobodyServesThis not registered.");
+  EXPECT_QUARN_THROW(quarn::Class::getClass(unknown), quarn::test::notRegistered("Marlix.test.NobodyServesThis"));
 }
 
 TEST_F(PoolTest, ConcurrentAcquireAndReleaseKeepCountsExact) {

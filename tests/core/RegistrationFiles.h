@@ -15,9 +15,13 @@
 
 #include <cctype>
 #include <cstdio>
+#include <cstdlib>
+#include <filesystem>
 #include <fstream>
+#include <initializer_list>
 #include <sstream>
 #include <string>
+#include <vector>
 
 namespace quarn::test {
 
@@ -79,6 +83,46 @@ class ScratchClass {
 
   std::string m_name;
 };
+
+/// A private registration folder (or several) for one test: sets
+/// QUARN_CLASSES_PATH to the folders given (relative to a fresh temporary
+/// folder; "" stands for the default folder) and removes everything again.
+class ScopedClassesPath {
+ public:
+  explicit ScopedClassesPath(std::initializer_list<char const *> folders = {"classes"}) {
+    char pattern[] = "/tmp/quarn-classes-XXXXXX";
+    m_root = ::mkdtemp(pattern) ? pattern : "";
+    std::string list;
+    for (char const *folder : folders) {
+      std::string path = *folder ? m_root + "/" + folder : "";
+      if (!path.empty()) std::filesystem::create_directories(path);
+      list += (list.empty() && m_folders.empty() ? "" : ":") + path;
+      m_folders.push_back(path);
+    }
+    ::setenv("QUARN_CLASSES_PATH", list.c_str(), 1);
+  }
+  ~ScopedClassesPath() {
+    ::unsetenv("QUARN_CLASSES_PATH");
+    std::error_code error;
+    std::filesystem::remove_all(m_root, error);
+  }
+  ScopedClassesPath(ScopedClassesPath const &) = delete;
+  ScopedClassesPath &operator=(ScopedClassesPath const &) = delete;
+
+  std::string const &folder(std::size_t i = 0) const { return m_folders[i]; }
+  std::string value() const { return std::getenv("QUARN_CLASSES_PATH"); }
+
+ private:
+  std::string m_root;
+  std::vector<std::string> m_folders;
+};
+
+/// The message of Class::getClassInstance for a class with no registration file
+/// (the default search path).
+inline std::string notRegistered(std::string const &name) {
+  return "Class " + name + " not registered.\nNo registration file " + name + ".xml in " + classesDirectory() +
+         " (the folder beside " + CClassRegistryFile::GetLibraryPath().getBuffer() + ").";
+}
 
 /// The registration file of `scratch`, read.
 inline CZedClassInfo imported(ScratchClass const &scratch) {

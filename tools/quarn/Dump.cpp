@@ -24,15 +24,6 @@ namespace quarn::tool {
 
 namespace {
 
-constexpr char kUsage[] = "dump FILE [--raw]";
-constexpr char kHelp[] =
-    "Prints a record file, or a file of bare value arrays one after another, as\n"
-    "text: each record's number, offset and length, then its class and, for a\n"
-    "value array, each element's class and text. --raw makes no values: it shows\n"
-    "the framing (lengths, checksums, class names, counts) and the other bytes in\n"
-    "hex, for files whose classes are not at hand (names and counts inside a\n"
-    "value are found by their look, so read them as a guess).\n";
-
 /// Array elements and bitset positions shown before the rest is counted.
 constexpr unsigned int kShownItems = 8;
 /// Characters of a value's text shown before the rest is counted.
@@ -362,31 +353,17 @@ struct Dumper {
 
 }  // namespace
 
-int dump(int argc, char **argv, std::ostream &out, std::ostream &err) {
-  std::vector<std::string> files;
-  bool raw = false, help = false;
-  for (int i = 2; i < argc; ++i) {
-    std::string arg = argv[i];
-    if (arg == "--raw") {
-      raw = true;
-    } else if (arg == "--help" || arg == "-h") {
-      help = true;
-    } else if (arg.size() > 1 && arg[0] == '-') {
-      err << "quarn dump: unknown option '" << arg << "' (see quarn dump --help)\n";
-      return 2;
-    } else {
-      files.push_back(arg);
-    }
-  }
-  if (help) {
-    out << "Usage: quarn " << kUsage << "\n\n" << kHelp;
-    return 0;
-  }
-  if (files.size() != 1) {
-    err << "quarn dump: expected " << kUsage << " (see quarn dump --help)\n";
-    return 2;
-  }
-  Dumper dumper{files[0], raw, out, err};
+char const kDumpHelp[] =
+    "Prints a record file, or a file of bare value arrays one after another, as\n"
+    "text: each record's number, offset and length, then its class and, for a\n"
+    "value array, each element's class and text (for a data record, each\n"
+    "property's name, class and text). --raw makes no values: it shows the\n"
+    "framing (lengths, checksums, class names, counts) and the other bytes in\n"
+    "hex, for files whose classes are not at hand (names and counts inside a\n"
+    "value are found by their look, so read them as a guess).\n";
+
+int dump(Arguments const &args, std::ostream &out, std::ostream &err) {
+  Dumper dumper{args.positional[0], args.has("--raw"), out, err};
   try {
     dumper.run();
   } catch (std::exception const &e) {

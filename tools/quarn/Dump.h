@@ -19,9 +19,13 @@
 
 #include <iosfwd>
 
+#include "Commands.h"
+
 namespace quarn::tool {
 
-/// Runs `quarn dump` with the command line `argv` (argv[1] is "dump").
-int dump(int argc, char **argv, std::ostream &out, std::ostream &err);
+/// The command `quarn dump`, a row of the tool's command table.
+int dump(Arguments const &args, std::ostream &out, std::ostream &err);
+/// Its help text.
+extern char const kDumpHelp[];
 
 }  // namespace quarn::tool

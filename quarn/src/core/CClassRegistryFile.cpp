@@ -13,7 +13,11 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <cstdlib>
 #include <memory>
+#include <string>
+
+#include "Trace.h"
 
 namespace quarn {
 
@@ -50,16 +54,27 @@ int versionOf(BaseString<char> const &base) {
   return n - 1;
 }
 
-// <classes folder>/<name>, without version or extension.
-BaseString<char> basePath(char const *name) {
-  CClassRegistryFile::ValidateClassName(name);
-  BaseString<char> path = CClassRegistryFile::GetClassesDirectory();
+BaseString<char> join(BaseString<char> path, char const *name) {
   path.append('/');
   path.append(name, static_cast<unsigned int>(std::strlen(name)));
   return path;
 }
+
+// <folder>/<name>, without version or extension, in the first folder of the
+// search path that holds a file of the class (its plain file or version 1);
+// in the first folder when none does. `writing` always takes the first folder.
+BaseString<char> basePath(char const *name, bool writing = false) {
+  CClassRegistryFile::ValidateClassName(name);
+  Array<BaseString<char>> folders = CClassRegistryFile::GetSearchPath();
+  if (writing || folders.getSize() == 1) return join(folders[0], name);
+  for (BaseString<char> const &folder : folders) {
+    BaseString<char> base = join(folder, name);
+    if (fileExists(versionedPath(base, 0)) || fileExists(versionedPath(base, 1))) return base;
+  }
+  return join(folders[0], name);
+}
 // The same for a tag: its name as first interned.
-BaseString<char> basePath(ClassTag const &tag) { return basePath(tag.getName()); }
+BaseString<char> basePath(ClassTag const &tag, bool writing = false) { return basePath(tag.getName(), writing); }
 
 [[noreturn]] void throwNotRegistered(ClassTag const &tag, BaseString<char> const &path) {
   throw Exception("Component %hs is not registered.\nFile does not exist: %ls.", tag.getName(), wide(path).getBuffer());
@@ -257,17 +272,57 @@ bool readDataFile(ClassTag const &tag, BaseString<char> const &path, CZedClassIn
 
 }  // namespace
 
-BaseString<char> CClassRegistryFile::GetClassesDirectory() {
+namespace {
+BaseString<char> findLibraryPath() {
   static char const anchor = 0;  // any address inside libquarn
   Dl_info where{};
   if (dladdr(&anchor, &where) == 0 || !where.dli_fname || !*where.dli_fname)
     throw Exception("Failed to get module file name for registration file");
+  // The loader may name it through a run path ("/opt/quarn/bin/../lib/..."):
+  // the folder is shown resolved, the file keeps the name it was loaded by.
   char const *file = where.dli_fname;
   char const *slash = std::strrchr(file, '/');
-  BaseString<char> directory =
-      slash ? BaseString<char>(file, static_cast<unsigned int>(slash - file)) : BaseString<char>(".");
+  if (!slash) return BaseString<char>(file);
+  std::unique_ptr<char, decltype(&std::free)> folder(
+      realpath(std::string(file, static_cast<std::size_t>(slash - file)).c_str(), nullptr), &std::free);
+  if (!folder) return BaseString<char>(file);
+  BaseString<char> path(folder.get());
+  path.append(slash, static_cast<unsigned int>(std::strlen(slash)));
+  return path;
+}
+}  // namespace
+
+BaseString<char> CClassRegistryFile::GetLibraryPath() {
+  static BaseString<char> const path = findLibraryPath();  // the library does not move while loaded
+  return path;
+}
+
+BaseString<char> CClassRegistryFile::GetDefaultClassesDirectory() {
+  BaseString<char> file = GetLibraryPath();
+  char const *slash = std::strrchr(file.getBuffer(), '/');
+  BaseString<char> directory = slash ? BaseString<char>(file.getBuffer(), static_cast<unsigned int>(slash - file.getBuffer()))
+                                     : BaseString<char>(".");
   return withSuffix(std::move(directory), "/classes");
 }
+
+Array<BaseString<char>> CClassRegistryFile::GetSearchPath() {
+  Array<BaseString<char>> folders;
+  char const *list = std::getenv(kSearchPathVariable);
+  if (!list || !*list) {
+    folders.append(GetDefaultClassesDirectory());
+    return folders;
+  }
+  for (char const *start = list;; ++start) {
+    char const *end = std::strchr(start, ':');
+    unsigned int length = static_cast<unsigned int>(end ? end - start : std::strlen(start));
+    folders.append(length == 0 ? GetDefaultClassesDirectory() : BaseString<char>(start, length));
+    if (!end) break;
+    start = end;
+  }
+  return folders;
+}
+
+BaseString<char> CClassRegistryFile::GetClassesDirectory() { return GetSearchPath()[0]; }
 
 void CClassRegistryFile::ValidateClassName(char const *name) {
   detail::annotated(kClassName, "ValidateClassName", [&] {
@@ -276,6 +331,11 @@ void CClassRegistryFile::ValidateClassName(char const *name) {
       throw Exception("Invalid class name '%hs': a class name must not be empty or contain '/', '\\' or '..'.",
                       name ? name : "");
   });
+}
+
+BaseString<char> CClassRegistryFile::GetFilePathForWriting(ClassTag const &tag) {
+  BaseString<char> base = basePath(tag, true);
+  return versionedPath(base, versionOf(base));
 }
 
 int CClassRegistryFile::GetVersionID(ClassTag const &tag) {
@@ -301,7 +361,7 @@ bool CClassRegistryFile::Exists(char const *name) {
 void CClassRegistryFile::ExportDataFile(CZedClassInfo const &info) {
   detail::annotated(kClassName, "ExportDataFile", [&] {
     ClassTag tag(info.progid);
-    BaseString<char> path = GetFilePath(tag);
+    BaseString<char> path = GetFilePathForWriting(tag);
     struct Field {
       char const *name;
       BaseString<char> const &text;
@@ -320,7 +380,14 @@ void CClassRegistryFile::ExportDataFile(CZedClassInfo const &info) {
 bool CClassRegistryFile::TryImportDataFile(ClassTag const &tag, CZedClassInfo &info, BaseString<char> *path) {
   BaseString<char> file = GetFilePath(tag);
   if (path) *path = file;
-  return readDataFile(tag, file, info);
+  bool found = readDataFile(tag, file, info);
+  detail::traceClasses("registration file of %s: %s %s", tag.getName(), file.getBuffer(),
+                       found ? "read" : "does not exist");
+  return found;
+}
+
+bool CClassRegistryFile::ReadDataFile(ClassTag const &tag, BaseString<char> const &path, CZedClassInfo &info) {
+  return readDataFile(tag, path, info);
 }
 
 void CClassRegistryFile::ImportDataFile(ClassTag const &tag, CZedClassInfo &info) {

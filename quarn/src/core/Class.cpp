@@ -10,6 +10,8 @@
 #include <quarn/core/Object.h>
 #include <quarnCore/Exception.h>
 
+#include "Trace.h"
+
 namespace quarn {
 
 namespace detail {
@@ -19,9 +21,7 @@ bool poolsDisabled() noexcept { return Object::m_dontUsePools; }
 }  // namespace detail
 
 namespace {
-[[noreturn]] void throwNotRegistered(ClassTag const &tag) {
-  throw Exception("Class %hs not registered.", tag.getName());
-}
+using detail::throwNotRegistered;
 }  // namespace
 
 Class::~Class() = default;
@@ -42,6 +42,7 @@ Class const *Class::findClass(ClassTag const &tag) { return tag.findClass(); }
 
 Class const &Class::getClass(ClassTag const &tag) {
   if (Class const *c = tag.findClass()) return *c;
+  detail::traceClasses("class %s: no class object bound; looking for its registration file", tag.getName());
   if (DynamicObject *made = createInstance(tag)) made->deleteInstance();
   if (Class const *c = tag.findClass()) return *c;
   throwNotRegistered(tag);
@@ -55,6 +56,7 @@ Object *Class::getClassInstance(ClassTag const &tag) {
 
 Object *Class::findClassInstance(ClassTag const &tag) {
   if (Class const *c = tag.findClass()) return c->newInstance();
+  detail::traceClasses("class %s: no class object bound; looking for its registration file", tag.getName());
   if (DynamicObject *made = createInstance(tag)) return made;
   if (Class const *c = tag.findClass()) return c->newInstance();
   return nullptr;

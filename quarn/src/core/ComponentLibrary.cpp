@@ -1,7 +1,30 @@
 // ComponentLibrary.cpp - a component library's class table over the factory map
+#include <dlfcn.h>
 #include <quarn/core/ComponentLibrary.h>
 
+#include <cstddef>
+#include <cstdio>
+
 namespace quarn {
+
+LibraryDescription const *describeLibrary(void *handle) {
+  if (!handle) return nullptr;
+  auto describe = reinterpret_cast<DescribeLibraryFunction>(dlsym(handle, "DllDescribeLibrary"));
+  LibraryDescription const *description = describe ? describe() : nullptr;
+  // The fields read here are the first four: anything shorter is not a description.
+  constexpr std::size_t kKnown = offsetof(LibraryDescription, classes) + sizeof(DescribedClass const *);
+  if (!description || description->size < kKnown || (description->classCount > 0 && !description->classes))
+    return nullptr;
+  return description;
+}
+
+unsigned int libraryVersion() noexcept { return QUARN_VERSION; }
+
+BaseString<char> versionText(unsigned int version) {
+  char text[48];
+  std::snprintf(text, sizeof text, "%u.%u.%u", version / 10000, version / 100 % 100, version % 100);
+  return BaseString<char>(text);
+}
 
 ComponentLibrary::ComponentLibrary(std::initializer_list<ComponentClass> classes) {
   m_classes.reserve(static_cast<unsigned int>(classes.size()));
@@ -39,6 +62,17 @@ Array<CZedClassInfo> ComponentLibrary::getClassInfo() const {
 }
 
 void ComponentLibrary::registerClasses() const { CZedLibraryUtils::RegisterLibraryClasses(getClassInfo(), nullptr); }
+
+LibraryDescription const *ComponentLibrary::describeFor(unsigned int quarnVersion) const {
+  std::call_once(m_described, [this, quarnVersion] {
+    m_describedClasses.reserve(m_classes.getSize());
+    for (ComponentClass const &row : m_classes)
+      m_describedClasses.append({row.tag->getName(), row.description ? row.description : "", row.proxy ? 1 : 0});
+    m_description = {sizeof(LibraryDescription), quarnVersion, m_describedClasses.getSize(),
+                     m_describedClasses.getBuffer()};
+  });
+  return &m_description;
+}
 
 unsigned int ComponentLibrary::unregisterClasses() const {
   Array<CZedClassInfo> classes = getClassInfo();

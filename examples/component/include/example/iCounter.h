@@ -8,7 +8,7 @@
 
 namespace example {
 
-struct iCounter : public quarn::Interface<iCounter> {
+struct QUARN_INTERFACE_API iCounter : public quarn::Interface<iCounter> {
   QUARN_INTERFACE(iCounter)
 
   /// Adds one and returns the new count.

@@ -2,8 +2,9 @@
 //
 // An interface of the object model: a host that made a component by name asks
 // it for this interface by tag ("Marlix.interface.iGreeting") and calls it
-// through the pointer it gets. The interface's statics live in the example
-// component library, so the host needs no link to that library.
+// through the pointer it gets (object->as<example::iGreeting>()). The
+// interface's statics live in libquarnExampleInterfaces, which the component
+// library and the host both link; the host never links the component library.
 #pragma once
 
 #include <quarn/core/Interface.h>
@@ -11,7 +12,7 @@
 
 namespace example {
 
-struct iGreeting : public quarn::Interface<iGreeting> {
+struct QUARN_INTERFACE_API iGreeting : public quarn::Interface<iGreeting> {
   QUARN_INTERFACE(iGreeting)
 
   /// "Hello, <who>!"

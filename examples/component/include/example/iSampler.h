@@ -12,7 +12,7 @@
 
 namespace example {
 
-struct iSampler : public quarn::Interface<iSampler> {
+struct QUARN_INTERFACE_API iSampler : public quarn::Interface<iSampler> {
   QUARN_INTERFACE(iSampler)
 
   /// Draws a number in [0, scale) from the context's random source, where

@@ -3,7 +3,15 @@
 // A class that no class object of the process implements is found through a
 // small XML file per class in the folder "classes" beside the file that holds
 // libquarn (libquarn.so): <dir>/classes/<name>.xml, where <name> is the class
-// name exactly as interned in its tag (the first spelling registered). A class
+// name exactly as interned in its tag (the first spelling registered).
+//
+// The environment variable QUARN_CLASSES_PATH replaces that folder by a list
+// of folders separated by ':'. They are searched in order: a class's files
+// are those in the first folder that holds its plain file or its version 1,
+// and new registrations are written to the first folder. An empty entry
+// stands for the folder beside libquarn ("/home/me/classes:" searches the
+// user's folder, then the default one); without an empty entry the default
+// folder is not searched at all. Unset or empty, only the default is used. A
 // may have numbered versions, <name>.1.xml, <name>.2.xml, ...: the highest
 // version reached without a gap is the one in use (versions 1 and 2 -> 2;
 // versions 1 and 3 -> 1), and with no numbered file the plain <name>.xml is.
@@ -36,6 +44,7 @@
 #include <quarn/core/CZedClassInfo.h>
 #include <quarn/core/ClassTag.h>
 #include <quarn/core/Export.h>
+#include <quarnCore/Array.h>
 #include <quarnCore/BaseString.h>
 
 namespace quarn {
@@ -45,9 +54,17 @@ class QUARN_API CClassRegistryFile {
   /// Largest registration file that is read.
   static constexpr unsigned int kMaxFileSize = 64 * 1024;
 
-  /// The folder of the registration files: the directory of libquarn's file
-  /// followed by "/classes". Throws "Failed to get module file name for
-  /// registration file" when the system cannot say where libquarn is.
+  /// The environment variable that holds the search path.
+  static constexpr char kSearchPathVariable[] = "QUARN_CLASSES_PATH";
+
+  /// The file that holds the running libquarn. Throws "Failed to get module
+  /// file name for registration file" when the system cannot say.
+  static BaseString<char> GetLibraryPath();
+  /// The default folder: the directory of libquarn's file followed by "/classes".
+  static BaseString<char> GetDefaultClassesDirectory();
+  /// The folders searched, in order (never empty).
+  static Array<BaseString<char>> GetSearchPath();
+  /// The folder new registrations are written to: the first one searched.
   static BaseString<char> GetClassesDirectory();
 
   /// Throws "Invalid class name '<name>': a class name must not be empty or
@@ -58,16 +75,19 @@ class QUARN_API CClassRegistryFile {
   static int GetVersionID(ClassTag const &tag);
   /// The path of the registration file of `tag` in `version` (0: the plain file).
   static BaseString<char> GetFilePath(ClassTag const &tag, int version);
-  /// The path of the registration file in use.
+  /// The path of the registration file in use (in the first folder when there is none).
   static BaseString<char> GetFilePath(ClassTag const &tag);
+  /// The path ExportDataFile writes for `tag`: in the first folder searched.
+  static BaseString<char> GetFilePathForWriting(ClassTag const &tag);
   /// Whether the registration file in use exists.
   static bool Exists(ClassTag const &tag);
   /// Exists() for a name spelled as given, without interning it (for names
   /// read from untrusted data); an invalid name throws as ValidateClassName does.
   static bool Exists(char const *name);
 
-  /// Writes `info` as the registration file in use of the class `info.progid`,
-  /// creating the classes folder when needed. "Failed to open file <path> for
+  /// Writes `info` as the registration file of the class `info.progid` in
+  /// the first folder searched (GetFilePathForWriting), creating the folder
+  /// when needed. "Failed to open file <path> for
   /// writing." when the file cannot be made; texts that are not UTF-8, or hold
   /// control characters other than TAB, LF and CR, are refused.
   static void ExportDataFile(CZedClassInfo const &info);
@@ -79,6 +99,10 @@ class QUARN_API CClassRegistryFile {
   /// As ImportDataFile, but returns false (and leaves `info`) when there is no
   /// file. `path`, when given, receives the file's path either way.
   static bool TryImportDataFile(ClassTag const &tag, CZedClassInfo &info, BaseString<char> *path = nullptr);
+
+  /// Reads the registration file at `path` (any file, named in messages as
+  /// belonging to `tag`) into `info`; false when it does not exist.
+  static bool ReadDataFile(ClassTag const &tag, BaseString<char> const &path, CZedClassInfo &info);
 
   /// Deletes the registration file in use (so an older version, if any, comes
   /// into use); "Component <name> is not registered..." when there is none.

@@ -11,6 +11,15 @@
 //   extern "C" QUARN_COMPONENT_EXPORT quarn::DynamicObject *DllCreateInstance(char const *className) {
 //     return library.createInstance(className);
 //   }
+//   extern "C" QUARN_COMPONENT_EXPORT quarn::LibraryDescription const *DllDescribeLibrary() {
+//     return library.describe();
+//   }
+//
+// DllCreateInstance is required. DllDescribeLibrary is optional: a library
+// that exports it tells tools and error messages what it serves (the quarn
+// tool's inspect and register --all, and "not registered" errors), each class
+// with its description, and which libquarn it was compiled against. A library
+// without it keeps working; it just cannot say.
 //
 // The table fills the process's factory map (CZedLibraryUtils) with its
 // classes on first use, each with this library's path as its server, and
@@ -28,6 +37,7 @@
 #include <quarn/core/CZedLibraryUtils.h>
 #include <quarn/core/ClassTag.h>
 #include <quarn/core/Export.h>
+#include <quarn/Version.h>
 #include <quarnCore/Array.h>
 
 #include <initializer_list>
@@ -39,6 +49,36 @@
 namespace quarn {
 
 class DynamicObject;
+
+/// One class that a component library serves, as DllDescribeLibrary tells it.
+struct DescribedClass {
+  char const *className;    // as the library's tag spells it
+  char const *description;  // never null ("" for none)
+  int proxy;                // nonzero when the library serves it as a proxy
+};
+
+/// What DllDescribeLibrary returns: a plain C structure that stays valid
+/// while the library is loaded. Fields may be added at the end only; `size`
+/// tells a reader which ones the library knows.
+struct LibraryDescription {
+  unsigned int size;          // sizeof(LibraryDescription) where the library was compiled
+  unsigned int quarnVersion;  // QUARN_VERSION of the headers it was compiled with
+  unsigned int classCount;
+  DescribedClass const *classes;
+};
+
+/// The entry point's type: extern "C" quarn::LibraryDescription const *DllDescribeLibrary();
+using DescribeLibraryFunction = LibraryDescription const *(*)();
+
+/// What the component library loaded as `handle` (a dlopen handle) says it
+/// serves, or null when it exports no DllDescribeLibrary or returns something
+/// unusable (null, a size too small, classes missing). What the entry point
+/// throws is passed on.
+QUARN_API LibraryDescription const *describeLibrary(void *handle);
+/// The version of the running libquarn, as QUARN_VERSION counts it.
+QUARN_API unsigned int libraryVersion() noexcept;
+/// "major.minor.patch" of a QUARN_VERSION number.
+QUARN_API BaseString<char> versionText(unsigned int version);
 
 /// One row of a ComponentLibrary; make it with componentClass<T>().
 struct ComponentClass {
@@ -72,11 +112,20 @@ class QUARN_API ComponentLibrary {
   /// Removes the registration files that name this library; returns how many.
   unsigned int unregisterClasses() const;
 
+  /// The library's self-description, for DllDescribeLibrary: its classes and
+  /// the QUARN_VERSION this call was compiled with. Valid while the table lives.
+  LibraryDescription const *describe() const { return describeFor(QUARN_VERSION); }
+  /// describe() recording `quarnVersion` as the version compiled against.
+  LibraryDescription const *describeFor(unsigned int quarnVersion) const;
+
  private:
   void populate() const;
 
   Array<ComponentClass> m_classes;
   mutable std::once_flag m_populated;
+  mutable std::once_flag m_described;
+  mutable Array<DescribedClass> m_describedClasses;
+  mutable LibraryDescription m_description{};
 };
 
 }  // namespace quarn

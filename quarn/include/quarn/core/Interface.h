@@ -7,7 +7,26 @@
 // detector under the interface's short name, and refuses creation and
 // cloning. Declare the statics with QUARN_INTERFACE(iX) in the struct and
 // define them once with QUARN_DEFINE_INTERFACE(iX) in a source file; the tag
-// is "Marlix.interface.iX".
+// is "Marlix.interface.iX", or a full class name of one's own with
+// QUARN_DEFINE_INTERFACE(iX, "Acme.interface.iX") (so that two vendors'
+// interfaces of the same short name do not share a tag).
+//
+// Interfaces that a component library introduces for its hosts: mark the
+// struct QUARN_INTERFACE_API, and define the statics in a small shared
+// library of their own (quarn_add_interface_library in CMake) that both the
+// component library and the hosts link. A host can then ask by type,
+// object->as<acme::iScaler>() or object->getAs<acme::iScaler>(); a host that
+// only knows the interface by name keeps asking by tag
+// (object->findAs(quarn::ClassTag("Acme.interface.iScaler"))). One process
+// holds one definition of each interface's statics.
+//
+//   // include/acme/iScaler.h
+//   struct QUARN_INTERFACE_API iScaler : public quarn::Interface<iScaler> {
+//     QUARN_INTERFACE(iScaler)
+//     virtual double scale(double) const = 0;
+//   };
+//   // Interfaces.cpp, in the interface library
+//   QUARN_DEFINE_INTERFACE(iScaler, "Acme.interface.iScaler");
 //
 // A class that implements several interfaces overrides _SeekClassIdentity,
 // getClass and the leak-detector hooks itself, asking each base in turn
@@ -26,6 +45,9 @@
 #include <quarn/core/CountedObject.h>
 #include <quarnCore/Exception.h>
 #include <quarnCore/LeakDetector.h>
+
+/// Exports an interface that hosts use by type from the library that defines its statics.
+#define QUARN_INTERFACE_API __attribute__((visibility("default")))
 
 namespace quarn {
 
@@ -83,8 +105,10 @@ struct Interface : public virtual CountedObject {
     QUARN_INTERFACE(iX)                                 \
   }
 
-/// In one source file: the definitions of the statics of iX.
-#define QUARN_DEFINE_INTERFACE(iX)                                        \
-  ::quarn::ClassTagDecl const iX::Tag("Marlix.interface." #iX);           \
-  ::quarn::ClassImp<iX> iX::m_class;                                      \
+/// In one source file: the definitions of the statics of iX, named
+/// "Marlix.interface.iX", or the class name given as a second argument.
+#define QUARN_DEFINE_INTERFACE(iX, ...)                                                                       \
+  ::quarn::ClassTagDecl const iX::Tag(QUARN_DETAIL_FIRST(__VA_ARGS__ __VA_OPT__(, ) "Marlix.interface." #iX)); \
+  ::quarn::ClassImp<iX> iX::m_class;                                                                          \
   ::quarn::LeakDetector iX::m_leakDetector(#iX)
+#define QUARN_DETAIL_FIRST(first, ...) first

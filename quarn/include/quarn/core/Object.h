@@ -61,6 +61,11 @@ class QUARN_API Object {
   T *as() const {
     return static_cast<T *>(findAs(T::Tag));
   }
+  /// getAs(T::Tag) cast to the type it names (NotImplementedException when absent).
+  template <class T>
+  T *getAs() const {
+    return static_cast<T *>(getAs(T::Tag));
+  }
 
   static ClassTagDecl const Tag;
   /// Process-wide switch: while true, released pooled instances are destroyed.
