@@ -55,6 +55,7 @@
 #include <quarn/value/ByteArrayValue.h>
 #include <quarn/value/ByteStream.h>
 #include <quarn/value/ConverterRegistry.h>
+#include <quarn/value/DateTimeValue.h>
 #include <quarn/value/DefaultComparator.h>
 #include <quarn/value/DoubleArrayValue.h>
 #include <quarn/value/DoubleComparator.h>
