@@ -21,6 +21,7 @@
 #include <quarn/core/DynamicObject.h>
 #include <quarn/core/Ptr.h>
 #include <quarn/value/BitsetValue.h>
+#include <quarn/value/DateTimeValue.h>
 #include <quarn/value/DoubleArrayValue.h>
 #include <quarn/value/DoubleValue.h>
 #include <quarn/value/FileStream.h>
@@ -88,6 +89,7 @@ void poolCounts(unsigned long &made, unsigned long &reused) {
   addPoolCounts<quarn::DoubleValue>(made, reused);
   addPoolCounts<quarn::DoubleArrayValue>(made, reused);
   addPoolCounts<quarn::BitsetValue>(made, reused);
+  addPoolCounts<quarn::DateTimeValue>(made, reused);
 }
 
 // One record: what the components produced for record `n`, as typed values.
@@ -111,6 +113,14 @@ quarn::ObjPtr<quarn::ValueArrayValue> makeRecord(example::iCounter &counter, exa
   flags->resize(16);
   flags->setOn(static_cast<unsigned int>(n % 16));
   record->appendValue(flags.detach());
+  // A time stamp with its zone: record n is n minutes after 2026-01-01 09:00 UTC, shown in Eastern time.
+  quarn::ObjPtr<quarn::DateTimeValue> stamp(quarn::DateTimeValue::newInstance());
+  stamp->set(2026, 1, 1, 9, 0, 0, 0);
+  stamp->addMinutes(n);
+  stamp->setTimeZone(quarn::BaseString<unsigned short>("EST"), true);
+  stamp->setDateTimeFormat(quarn::BaseString<unsigned short>("%Y-%m-%d %H:%M:%S %Z").getBuffer());
+  stamp->getJulian();  // written with the record, so the copy read back compares equal
+  record->appendValue(stamp.detach());
   return record;
 }
 
@@ -151,6 +161,8 @@ void useValues() {
         record->getIthValue(1).getString(text);
         quarn::BaseString<char> utf8 = quarn::util::ConvertStringtoUTF8(text);
         std::printf("last record: count %d, text \"%s\"\n", record->getIthValue(0).getInteger(), utf8.getBuffer());
+        record->getIthValue(5).getString(text);
+        std::printf("last record's time stamp: %s\n", quarn::util::ConvertStringtoUTF8(text).getBuffer());
       }
     }
   }
