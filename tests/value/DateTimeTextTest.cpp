@@ -7,7 +7,9 @@
 
 #include <locale.h>
 
+#include <atomic>
 #include <string>
+#include <thread>
 
 #include "support/ExpectThrow.h"
 #include "value/ValueTesting.h"
@@ -249,6 +251,28 @@ TEST(DateTimeTextTest, LocaleListsComeFromTheProcessLocale) {
   EXPECT_EQ(str(DT::GetLocaleDateTimeFormat()), u"%a %b %e %H:%M:%S %Y");
   EXPECT_EQ(str(DT::GetLocaleDateFormat()), u"%m/%d/%y");
   EXPECT_EQ(str(DT::GetLocaleTimeFormat()), u"%H:%M:%S");
+}
+
+bool twoThreadsFormat() {
+  std::atomic<bool> go{false};
+  std::u16string seen[2];
+  auto work = [&](int k) {
+    while (!go) std::this_thread::yield();
+    seen[k] = format(made(2024, 3, 5, 14, 7, 9, 0), u"%A %B %p");
+  };
+  std::thread a(work, 0), b(work, 1);
+  go = true;
+  a.join();
+  b.join();
+  return seen[0] == u"Tuesday March PM" && seen[1] == seen[0];
+}
+
+TEST(DateTimeTextTest, TwoThreadsRacingToTheFirstLoadBothSeeTheWholeLocale) {
+  // A fresh process (re-executed, not forked), so that nothing has loaded the locale yet.
+  std::string const style = GTEST_FLAG_GET(death_test_style);
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(std::_Exit(twoThreadsFormat() ? 0 : 1), ::testing::ExitedWithCode(0), "");
+  GTEST_FLAG_SET(death_test_style, style);
 }
 
 TEST(DateTimeTextTest, AnotherLocaleGivesItsOwnNames) {

@@ -45,6 +45,11 @@ int saturate(double x) {
   return static_cast<int>(x);
 }
 
+/// A year as tm_year (years since 1900), keeping the undefined marker; saturating.
+int tmYearOf(int year) { return year == DateTimeValue::kUndefinedYear ? year : year < INT_MIN + 1900 ? INT_MIN : year - 1900; }
+
+int clampInt(long long x) { return x < INT_MIN ? INT_MIN : x > INT_MAX ? INT_MAX : static_cast<int>(x); }
+
 void undefine(struct tm &fields) {
   fields = {};
   fields.tm_year = DateTimeValue::kUndefinedYear;
@@ -79,7 +84,7 @@ DateTimeValue &DateTimeValue::operator=(DateTimeValue const &other) {
 // ---- fields
 
 void DateTimeValue::setYear(int year) {
-  m_tm.tm_year = year == kUndefinedYear ? kUndefinedYear : year - 1900;
+  m_tm.tm_year = tmYearOf(year);
   changed();
 }
 void DateTimeValue::setMonth(int month) {
@@ -191,7 +196,7 @@ void DateTimeValue::set(int year, int month, int day, int hour, int minute, int 
   checkRange(hour, 0, 23, kHourMessage);
   checkRange(minute, 0, 59, kMinuteMessage);
   checkRange(second, 0, 59, kSecondMessage);
-  m_tm.tm_year = year == kUndefinedYear ? kUndefinedYear : year - 1900;
+  m_tm.tm_year = tmYearOf(year);
   m_tm.tm_mon = month == -1 ? -1 : month - 1;
   m_tm.tm_mday = day;
   m_tm.tm_hour = hour;
@@ -211,6 +216,11 @@ void DateTimeValue::setTime(int hour, int minute, int second, int ms) {
 }
 
 void DateTimeValue::set(struct tm const &fields, int ms) {
+  checkRange(fields.tm_mon == -1 ? -1 : fields.tm_mon + 1, 1, 12, kMonthMessage);
+  checkRange(fields.tm_mday, 1, 31, kDayMessage);
+  checkRange(fields.tm_hour, 0, 23, kHourMessage);
+  checkRange(fields.tm_min, 0, 59, kMinuteMessage);
+  checkRange(fields.tm_sec, 0, 59, kSecondMessage);
   int const isdst = m_tm.tm_isdst;
   m_tm = fields;
   m_tm.tm_isdst = isdst;
@@ -388,7 +398,7 @@ void DateTimeValue::setTimeZone(WString const &name, bool convert) {
 }
 
 void DateTimeValue::setTimeZoneOffset(double hours) {
-  double const magnitude = std::fabs(hours);
+  double const magnitude = std::fabs(hours) < 100 ? std::fabs(hours) : 100;  // no row is that far off
   int const h = saturate(std::floor(magnitude));
   int const m = saturate((magnitude - std::floor(magnitude)) * -60);
   int const code = hours >= 0 ? h * 100 - m : m - h * 100;
@@ -416,7 +426,7 @@ void DateTimeValue::setDateTimeFormat(unsigned short const *format) {
 
 void DateTimeValue::addYears(int years) {
   setUndefined(false);
-  m_tm.tm_year += years;
+  m_tm.tm_year = clampInt(static_cast<long long>(m_tm.tm_year) + years);
   changed();
 }
 
@@ -425,7 +435,7 @@ void DateTimeValue::addMonths(int months) {
   long long month = static_cast<long long>(m_tm.tm_mon) + months;
   long long years = month >= 0 ? month / 12 : -((11 - month) / 12);
   m_tm.tm_mon = static_cast<int>(month - years * 12);
-  m_tm.tm_year += static_cast<int>(years);
+  m_tm.tm_year = clampInt(m_tm.tm_year + years);
   changed();
 }
 
