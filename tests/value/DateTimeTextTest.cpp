@@ -194,6 +194,10 @@ TEST(DateTimeTextTest, SetFromTextKeepsTheTextAndAZoneItNames) {
   EXPECT_EQ(str(v.getTimeZone()), u"EST");
   EXPECT_NEAR(v.getJulian(), 2451545.0 + 5.0 / 24, 1e-9);
   EXPECT_EQ(str(v.getText()), u"Sat Jan  1 12:00:00 EST 2000");
+  unsigned short const *textBuffer = v.getText().getBuffer(), *formatBuffer = v.getDateTimeFormat().getBuffer();
+  v.set(u16(u"Sun Jan  2 12:00:00 CET 2000").getBuffer(), u16(u"%a %b %e %T %Z %Y").getBuffer());
+  EXPECT_EQ(v.getText().getBuffer(), textBuffer);  // reading text again reuses both buffers
+  EXPECT_EQ(v.getDateTimeFormat().getBuffer(), formatBuffer);
   v.set(u16(u"1999-12-31").getBuffer(), nullptr);
   EXPECT_EQ(str(v.getDateTimeFormat()), u"%Y-%m-%d");
   EXPECT_EQ(str(v.getTimeZone()), u"UTC");

@@ -228,7 +228,59 @@ std::size_t DateTimeValue::wcsftime(unsigned short *buffer, std::size_t size, un
   return static_cast<std::size_t>(out.p - buffer);
 }
 
+namespace {
+
+/// "%a %b %e %T %Y" written straight out, when every field it shows is defined
+/// (the common case: no format walk, one copy).
+bool defaultText(DateTimeValue const &value, struct tm const &tm, WString &text) {
+  int const year = tm.tm_year + 1900;
+  if (tm.tm_year == DateTimeValue::kUndefinedYear || year < 0 || year > 9999 || tm.tm_mon < 0 || tm.tm_mon > 11 ||
+      tm.tm_mday < 1 || tm.tm_mday > 31 || tm.tm_hour < 0 || tm.tm_hour > 23 || tm.tm_min < 0 || tm.tm_min > 59 ||
+      tm.tm_sec < 0 || tm.tm_sec > 59)
+    return false;
+  int const day = value.getDayOfWeek();
+  if (day == 0) return false;
+  auto const &locale = detail::dateTimeLocale();
+  WString const &dayName = locale.weekdaysAbbr[day - 1], &monthName = locale.monthsAbbr[tm.tm_mon];
+  if (dayName.getLength() > 32 || monthName.getLength() > 32) return false;
+  Unit buffer[96];
+  Unit *p = buffer;
+  auto two = [&p](int n) {
+    p[0] = static_cast<Unit>('0' + n / 10);
+    p[1] = static_cast<Unit>('0' + n % 10);
+    p += 2;
+  };
+  for (unsigned int i = 0; i < dayName.getLength(); ++i) *p++ = dayName.getBuffer()[i];
+  *p++ = ' ';
+  for (unsigned int i = 0; i < monthName.getLength(); ++i) *p++ = monthName.getBuffer()[i];
+  *p++ = ' ';
+  if (tm.tm_mday < 10) {
+    p[0] = ' ';
+    p[1] = static_cast<Unit>('0' + tm.tm_mday);
+    p += 2;
+  } else {
+    two(tm.tm_mday);
+  }
+  *p++ = ' ';
+  two(tm.tm_hour);
+  *p++ = ':';
+  two(tm.tm_min);
+  *p++ = ':';
+  two(tm.tm_sec);
+  *p++ = ' ';
+  two(year / 100);
+  two(year % 100);
+  text.assign(buffer, static_cast<unsigned int>(p - buffer));
+  return true;
+}
+
+}  // namespace
+
 void DateTimeValue::formatText() const {
+  if (m_format.isEmpty() && defaultText(*this, m_tm, m_text)) {
+    m_textValid = true;
+    return;
+  }
   Unit const *format = m_format.isEmpty() ? kDefaultFormat.units : m_format.getBuffer();
   bool undefinedSeen = false;
   Unit local[256];

@@ -68,6 +68,7 @@
 
 #include <quarn/core/Export.h>
 #include <quarn/core/PooledClassImp.h>
+#include <quarn/value/DateTimeCalendar.h>
 #include <quarn/value/Value.h>
 #include <quarn/value/ValueGlue.h>
 #include <quarnCore/BaseString.h>
@@ -90,7 +91,7 @@ class QUARN_API DateTimeValue : public ValueGlue<DateTimeValue, Value> {
 
   static constexpr int DATETIME_SERIALIZE_VERSION = 1;
   /// The year field's undefined marker.
-  static constexpr int kUndefinedYear = -9999;
+  static constexpr int kUndefinedYear = detail::calendar::kUndefinedYearField;
   /// Rows of the zone table; row 28 is "UTC".
   static constexpr int kTimeZoneCount = 217;
   static constexpr int kUtcRow = 28;
@@ -251,8 +252,11 @@ class QUARN_API DateTimeValue : public ValueGlue<DateTimeValue, Value> {
   static bool isLeapYear(int year);
   /// Days of `month` (1-12) in `year` by isLeapYear; else "Illegal month number: %d\n".
   static int daysInMonth(int month, int year);
-  static void julianToTM(double julian, struct tm &fields, int &ms);
-  static void TMToJulian(struct tm const &fields, int ms, double &julian);
+  /// Inline (DateTimeCalendar.h): they sit in the inner loops of record processing.
+  static void julianToTM(double julian, struct tm &fields, int &ms) { detail::calendar::julianToTm(julian, fields, ms); }
+  static void TMToJulian(struct tm const &fields, int ms, double &julian) {
+    julian = detail::calendar::tmToJulian(fields, ms);
+  }
 
   // ---- zones and locale (class-wide)
 

@@ -1,0 +1,150 @@
+// DateTimeCalendar.h - the calendar arithmetic under DateTimeValue, inline for callers in hot loops
+//
+// tmToJulian is the classic truncating formula, kept as it is: a day off
+// before the year 1, and 1 January and February of 1700, 1800, 1900 and 2100
+// land one day early. julianToTm splits the day number exactly (Julian
+// calendar below 2299160, Gregorian from it on) and then works out the time of
+// day from the fraction in tenths of a millisecond with strict comparisons,
+// rounding milliseconds up from six tenths and checking the month end after
+// midnight with the years since 1900; it leaves weekday and day of year at
+// -1, as every whole setting of DateTimeValue does. Use them through
+// DateTimeValue::TMToJulian and DateTimeValue::julianToTM.
+#pragma once
+
+#include <cmath>
+#include <cstdint>
+#include <ctime>
+
+namespace quarn::detail::calendar {
+
+/// The year field's undefined marker (DateTimeValue::kUndefinedYear).
+inline constexpr int kUndefinedYearField = -9999;
+
+inline constexpr bool gregorianLeap(int year) { return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0); }
+
+// Cumulative days before each month.
+inline constexpr int kCommon[13] = {0, 31, 59, 90, 120, 151, 181, 212, 243, 273, 304, 334, 365};
+inline constexpr int kLeap[13] = {0, 31, 60, 91, 121, 152, 182, 213, 244, 274, 305, 335, 366};
+
+constexpr int floorDiv(int a, int b) { return a / b - (a % b < 0); }  // b > 0
+
+/// Astronomical year (0 is 1 BC), month 1-12 and day of a whole day number (|jd| < 4e8).
+struct Civil {
+  int year, month, day;
+};
+
+constexpr Civil civilOf(int jd) {
+  if (jd >= 2299160) {  // Gregorian: 400-year eras of 146097 days from 1 March 0
+    int const z = jd - 1721120;
+    int const era = floorDiv(z, 146097);
+    int const doe = z - era * 146097;
+    int const yoe = (doe - doe / 1460 + doe / 36524 - doe / 146096) / 365;
+    int const doy = doe - (365 * yoe + yoe / 4 - yoe / 100);
+    int const mp = (5 * doy + 2) / 153;
+    int const d = doy - (153 * mp + 2) / 5 + 1;
+    int const m = mp < 10 ? mp + 3 : mp - 9;
+    return {yoe + era * 400 + (m <= 2), m, d};
+  }
+  // Julian: 4-year cycles of 1461 days from 1 March 0
+  int const z = jd - 1721118;
+  int const era = floorDiv(z, 1461);
+  int const doe = z - era * 1461;
+  int const yoe = (doe - doe / 1460) / 365;
+  int const doy = doe - 365 * yoe;
+  int const mp = (5 * doy + 2) / 153;
+  int const d = doy - (153 * mp + 2) / 5 + 1;
+  int const m = mp < 10 ? mp + 3 : mp - 9;
+  return {yoe + era * 4 + (m <= 2), m, d};
+}
+static_assert(civilOf(0).year == -4712 && civilOf(0).month == 1 && civilOf(0).day == 1);
+static_assert(civilOf(1721424).year == 1 && civilOf(1721424).month == 1 && civilOf(1721424).day == 1);
+static_assert(civilOf(2299159).month == 10 && civilOf(2299159).day == 3);
+static_assert(civilOf(2299160).month == 10 && civilOf(2299160).day == 14);
+
+inline double tmToJulian(struct tm const &fields, int ms) {
+  using I = std::int64_t;  // no field value can overflow it
+  I year = fields.tm_year == kUndefinedYearField ? I{-4713} : I{fields.tm_year} + 1900;
+  I month = fields.tm_mon == -1 ? 0 : fields.tm_mon;
+  if (month < 0 || month > 11) [[unlikely]] {  // not from a setter: carry whole years
+    I const carry = month / 12 - (month % 12 < 0);
+    year += carry;
+    month -= carry * 12;
+  }
+  I const day = fields.tm_mday == -1 ? 1 : fields.tm_mday;
+  int const hour = fields.tm_hour == -1 ? 12 : fields.tm_hour;
+  int const minute = fields.tm_min == -1 ? 0 : fields.tm_min;
+  int const second = fields.tm_sec == -1 ? 0 : fields.tm_sec;
+  I const y = year < 0 ? year + 1 : year;  // no year zero
+  I j = 365 * y + kCommon[month] + ((y & 3) == 0 && month >= 2) + (y - 1) / 4 + day + 1721058;
+  if (j >= 2299169) {
+    I const c = y / 100;
+    j += c / 4 - c + 2;
+  }
+  double julian = static_cast<double>(j) + (((hour - 12) * 60 + minute) * 60 + second) * 1.1574074074074073e-5;
+  if (ms > 0) julian += ms * 1.1574074074074074e-8;
+  return julian;
+}
+
+inline void julianToTm(double julian, struct tm &fields, int &ms) {
+  // Beyond about a million years (or NaN) there is no calendar date to give.
+  if (!(std::fabs(julian) < 4e8)) [[unlikely]] {
+    fields.tm_year = kUndefinedYearField;
+    fields.tm_mon = fields.tm_mday = fields.tm_hour = fields.tm_min = fields.tm_sec = -1;
+    fields.tm_wday = fields.tm_yday = -1;
+    ms = -1;
+    return;
+  }
+  double const whole = std::floor(julian);
+  int const jd = static_cast<int>(whole);
+  Civil const date = civilOf(jd);
+  int const year = static_cast<int>(date.year <= 0 ? date.year - 1 : date.year);
+  int month = date.month - 1;
+  int day = date.day;
+
+  int f = static_cast<int>((julian - whole) * 8.64e8);  // tenths of a millisecond
+  int h = 0, minute = 0, second = 0;
+  if (f > 36000000) {
+    h = f / 36000000;
+    f -= 36000000 * h;
+  }
+  if (f > 600000) {
+    minute = f / 600000;
+    f -= 600000 * minute;
+  }
+  if (f > 10000) {
+    second = f / 10000;
+    f -= 10000 * second;
+  }
+  ms = f / 10 + (f % 10 >= 6);
+  if (ms == 1000) [[unlikely]] {
+    ms = 0;
+    if (++second == 60) {
+      second = 0;
+      if (++minute == 60) {
+        minute = 0;
+        ++h;
+      }
+    }
+  }
+  int const nextDay = 12 + h >= 24;  // past midnight: the calendar day after the day number's noon
+  int const hour = 12 + h - 24 * nextDay;
+  int tmYear = year - 1900;
+  day += nextDay;
+  int const *days = gregorianLeap(tmYear) ? kLeap : kCommon;  // years since 1900, deliberately
+  if (nextDay && day > days[month + 1] - days[month]) [[unlikely]] {
+    day = 1;
+    if (++month > 11) {
+      month = 0;
+      ++tmYear;
+    }
+  }
+  fields.tm_year = tmYear;
+  fields.tm_mon = month;
+  fields.tm_mday = day;
+  fields.tm_hour = hour;
+  fields.tm_min = minute;
+  fields.tm_sec = second;
+  fields.tm_wday = fields.tm_yday = -1;
+}
+
+}  // namespace quarn::detail::calendar
