@@ -291,9 +291,9 @@ int DateTimeValue::getSecondsSince1970() const {
 
 int DateTimeValue::getDayOfWeek() const {
   if (m_tm.tm_year == kUndefinedYear || m_tm.tm_mon == -1 || m_tm.tm_mday == -1) return 0;
-  double const n = std::floor(getJulian() + getTimeZoneRow(m_timeZone).dayOffset - 0.5 + kHalfMillisecond);
-  if (!(std::fabs(n) < 4e8)) return 0;
-  long long const k = static_cast<long long>(n) + 2;
+  double const x = getJulian() + getTimeZoneRow(m_timeZone).dayOffset - 0.5 + kHalfMillisecond;
+  if (!(std::fabs(x) < 4e8)) return 0;
+  long long const k = static_cast<long long>(detail::calendar::floorSmall(x)) + 2;
   return static_cast<int>((k % 7 + 7) % 7) + 1;
 }
 

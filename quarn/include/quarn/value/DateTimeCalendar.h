@@ -20,6 +20,12 @@ namespace quarn::detail::calendar {
 /// The year field's undefined marker (DateTimeValue::kUndefinedYear).
 inline constexpr int kUndefinedYearField = -9999;
 
+/// floor(x) for |x| < 2^62, inline (without SSE4.1 std::floor is a library call).
+inline double floorSmall(double x) {
+  double const t = static_cast<double>(static_cast<long long>(x));
+  return t > x ? t - 1 : t;
+}
+
 inline constexpr bool gregorianLeap(int year) { return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0); }
 
 // Cumulative days before each month.
@@ -94,7 +100,7 @@ inline void julianToTm(double julian, struct tm &fields, int &ms) {
     ms = -1;
     return;
   }
-  double const whole = std::floor(julian);
+  double const whole = floorSmall(julian);
   int const jd = static_cast<int>(whole);
   Civil const date = civilOf(jd);
   int const year = static_cast<int>(date.year <= 0 ? date.year - 1 : date.year);
