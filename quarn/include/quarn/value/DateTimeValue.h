@@ -10,8 +10,8 @@
 // Undefined markers (also on the wire): the year field holds -9999 itself
 // (not -9999 - 1900); every other calendar field and the milliseconds hold
 // -1. A new or cleared value has every field undefined, zone row 28 ("UTC"),
-// an empty format and both flags clear; it stands for julian 0 (1 January
-// -4713 at noon) once its undefined fields are filled.
+// an empty format and both flags clear; once its undefined fields are filled
+// it stands for 1 January -4713 at noon (julian 1.0 by the formula below).
 //
 // The zone table has 217 rows (getTimeZoneRow): 67 abbreviations, 75 Windows
 // standard-time names and the 75 matching daylight-time names. A row's day
@@ -175,7 +175,9 @@ class QUARN_API DateTimeValue : public ValueGlue<DateTimeValue, Value> {
   double getJulian() const;
   /// mktime of the fields (undefined ones filled as setUndefined(false)).
   int getSecondsSince1970() const;
-  /// 1 Sunday ... 7 Saturday from julian + day offset; 0 when the date is undefined.
+  /// 1 Sunday ... 7 Saturday from julian + the row's day offset (outside UTC,
+  /// which adds the offset twice, hours near midnight may give the neighbouring
+  /// day); 0 when the date is undefined.
   int getDayOfWeek() const;
   /// 1-based.
   int getDayOfYear() const;
