@@ -462,6 +462,10 @@ TEST(DateTimeValueTest, ArithmeticMovesTheInstantAndMonthsCarryIntoYears) {
   d.addMinutes(-30);
   d.addSeconds(-1800);
   EXPECT_EQ(d.getHour(), 11);
+  DT far = made(2000, 1, 1);
+  far.addYears(INT_MAX);
+  far.addYears(1);
+  EXPECT_EQ(far.getYear(), INT_MAX);  // saturates
   DT e;
   e.addDays(0);  // nothing to do: stays undefined
   EXPECT_FALSE(e.isFieldDefined(Year));
@@ -535,6 +539,8 @@ TEST(DateTimeValueTest, BadPayloadsAreRefusedAndLeaveTheValue) {
       {"04 00 00 00 30 00 04 00 30 00 00 01 64 00 00 01 1C", "Invalid month 12 in DateTimeValue deserialization"},
       {"04 00 00 00 30 00 04 00 00 00 00 01 64 00 00 03 D9 00 00 00", "Invalid time zone row 217 in DateTimeValue deserialization"},
       {"04 00 00 00 01 63 00 04 00 00 00 00 01 64 00 00 01 1C", "Invalid hour 99 in DateTimeValue deserialization"},
+      {"04 00 00 00 30 00 04 00 00 00 00 03 FF FF FF 7F 00 00 01 1C",
+       "Invalid year 2147483647 in DateTimeValue deserialization"},
   };
   for (auto const &c : cases) {
     DT target(before);

@@ -48,7 +48,11 @@ int saturate(double x) {
 /// A year as tm_year (years since 1900), keeping the undefined marker; saturating.
 int tmYearOf(int year) { return year == DateTimeValue::kUndefinedYear ? year : year < INT_MIN + 1900 ? INT_MIN : year - 1900; }
 
-int clampInt(long long x) { return x < INT_MIN ? INT_MIN : x > INT_MAX ? INT_MAX : static_cast<int>(x); }
+/// The largest tm_year whose year number (tm_year + 1900) is still an int.
+constexpr int kMaxTmYear = INT_MAX - 1900;
+
+/// A tm_year, saturating.
+int clampTmYear(long long x) { return x < INT_MIN ? INT_MIN : x > kMaxTmYear ? kMaxTmYear : static_cast<int>(x); }
 
 void undefine(struct tm &fields) {
   fields = {};
@@ -224,6 +228,7 @@ void DateTimeValue::set(struct tm const &fields, int ms) {
   int const isdst = m_tm.tm_isdst;
   m_tm = fields;
   m_tm.tm_isdst = isdst;
+  if (m_tm.tm_year > kMaxTmYear) m_tm.tm_year = kMaxTmYear;
   m_ms = ms;
   changed();
   zoneStep(kUtcRow);
@@ -356,7 +361,7 @@ DateTimeValue::WString DateTimeValue::getMonthText(bool fromLocale, bool abbrevi
 bool DateTimeValue::IsDST() const {
   int const rule = getTimeZoneRow(GetLocaleTimeZoneIndex()).rule;
   if (rule == 0) return false;
-  int const y = m_tm.tm_year == kUndefinedYear ? -4713 : m_tm.tm_year + 1900;
+  long long const y = m_tm.tm_year == kUndefinedYear ? -4713 : m_tm.tm_year + 1900LL;
   int const mo = m_tm.tm_mon == -1 ? 1 : m_tm.tm_mon + 1;
   int const d = m_tm.tm_mday == -1 ? 1 : m_tm.tm_mday;
   if (rule == 1) {
@@ -426,7 +431,7 @@ void DateTimeValue::setDateTimeFormat(unsigned short const *format) {
 
 void DateTimeValue::addYears(int years) {
   setUndefined(false);
-  m_tm.tm_year = clampInt(static_cast<long long>(m_tm.tm_year) + years);
+  m_tm.tm_year = clampTmYear(static_cast<long long>(m_tm.tm_year) + years);
   changed();
 }
 
@@ -435,7 +440,7 @@ void DateTimeValue::addMonths(int months) {
   long long month = static_cast<long long>(m_tm.tm_mon) + months;
   long long years = month >= 0 ? month / 12 : -((11 - month) / 12);
   m_tm.tm_mon = static_cast<int>(month - years * 12);
-  m_tm.tm_year = clampInt(m_tm.tm_year + years);
+  m_tm.tm_year = clampTmYear(m_tm.tm_year + years);
   changed();
 }
 
@@ -502,6 +507,7 @@ void DateTimeValue::deserialize(iByteInputStream &in) {
   checkRead(fields.tm_sec, -1, 60, "second");
   checkRead(ms, -1, 999, "millisecond");
   checkRead(zone, 0, kTimeZoneCount - 1, "time zone row");
+  checkRead(fields.tm_year, INT_MIN, kMaxTmYear, "year");
   m_julianValid = julianValid;
   m_julian = julian;
   m_textValid = textValid;
