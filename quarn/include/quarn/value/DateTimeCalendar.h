@@ -40,27 +40,28 @@ struct Civil {
 };
 
 constexpr Civil civilOf(int jd) {
+  // Within an era every quantity is non-negative: unsigned division is cheaper.
   if (jd >= 2299160) {  // Gregorian: 400-year eras of 146097 days from 1 March 0
     int const z = jd - 1721120;
     int const era = floorDiv(z, 146097);
-    int const doe = z - era * 146097;
-    int const yoe = (doe - doe / 1460 + doe / 36524 - doe / 146096) / 365;
-    int const doy = doe - (365 * yoe + yoe / 4 - yoe / 100);
-    int const mp = (5 * doy + 2) / 153;
-    int const d = doy - (153 * mp + 2) / 5 + 1;
-    int const m = mp < 10 ? mp + 3 : mp - 9;
-    return {yoe + era * 400 + (m <= 2), m, d};
+    unsigned const doe = static_cast<unsigned>(z - era * 146097);
+    unsigned const yoe = (doe - doe / 1460 + doe / 36524 - doe / 146096) / 365;
+    unsigned const doy = doe - (365 * yoe + yoe / 4 - yoe / 100);
+    unsigned const mp = (5 * doy + 2) / 153;
+    int const d = static_cast<int>(doy - (153 * mp + 2) / 5 + 1);
+    int const m = static_cast<int>(mp < 10 ? mp + 3 : mp - 9);
+    return {static_cast<int>(yoe) + era * 400 + (m <= 2), m, d};
   }
   // Julian: 4-year cycles of 1461 days from 1 March 0
   int const z = jd - 1721118;
   int const era = floorDiv(z, 1461);
-  int const doe = z - era * 1461;
-  int const yoe = (doe - doe / 1460) / 365;
-  int const doy = doe - 365 * yoe;
-  int const mp = (5 * doy + 2) / 153;
-  int const d = doy - (153 * mp + 2) / 5 + 1;
-  int const m = mp < 10 ? mp + 3 : mp - 9;
-  return {yoe + era * 4 + (m <= 2), m, d};
+  unsigned const doe = static_cast<unsigned>(z - era * 1461);
+  unsigned const yoe = (doe - doe / 1460) / 365;
+  unsigned const doy = doe - 365 * yoe;
+  unsigned const mp = (5 * doy + 2) / 153;
+  int const d = static_cast<int>(doy - (153 * mp + 2) / 5 + 1);
+  int const m = static_cast<int>(mp < 10 ? mp + 3 : mp - 9);
+  return {static_cast<int>(yoe) + era * 4 + (m <= 2), m, d};
 }
 static_assert(civilOf(0).year == -4712 && civilOf(0).month == 1 && civilOf(0).day == 1);
 static_assert(civilOf(1721424).year == 1 && civilOf(1721424).month == 1 && civilOf(1721424).day == 1);
@@ -107,8 +108,8 @@ inline void julianToTm(double julian, struct tm &fields, int &ms) {
   int month = date.month - 1;
   int day = date.day;
 
-  int f = static_cast<int>((julian - whole) * 8.64e8);  // tenths of a millisecond
-  int h = 0, minute = 0, second = 0;
+  unsigned f = static_cast<unsigned>((julian - whole) * 8.64e8);  // tenths of a millisecond
+  unsigned h = 0, minute = 0, second = 0;
   if (f > 36000000) {
     h = f / 36000000;
     f -= 36000000 * h;
@@ -121,7 +122,7 @@ inline void julianToTm(double julian, struct tm &fields, int &ms) {
     second = f / 10000;
     f -= 10000 * second;
   }
-  ms = f / 10 + (f % 10 >= 6);
+  ms = static_cast<int>(f / 10 + (f % 10 >= 6));
   if (ms == 1000) [[unlikely]] {
     ms = 0;
     if (++second == 60) {
@@ -133,11 +134,11 @@ inline void julianToTm(double julian, struct tm &fields, int &ms) {
     }
   }
   int const nextDay = 12 + h >= 24;  // past midnight: the calendar day after the day number's noon
-  int const hour = 12 + h - 24 * nextDay;
+  int const hour = static_cast<int>(12 + h) - 24 * nextDay;
   int tmYear = year - 1900;
   day += nextDay;
-  int const *days = gregorianLeap(tmYear) ? kLeap : kCommon;  // years since 1900, deliberately
-  if (nextDay && day > days[month + 1] - days[month]) [[unlikely]] {
+  if (nextDay && day > 28 &&  // the month's length by the years since 1900, deliberately
+      day > kCommon[month + 1] - kCommon[month] + (month == 1 && gregorianLeap(tmYear))) [[unlikely]] {
     day = 1;
     if (++month > 11) {
       month = 0;
@@ -148,8 +149,8 @@ inline void julianToTm(double julian, struct tm &fields, int &ms) {
   fields.tm_mon = month;
   fields.tm_mday = day;
   fields.tm_hour = hour;
-  fields.tm_min = minute;
-  fields.tm_sec = second;
+  fields.tm_min = static_cast<int>(minute);
+  fields.tm_sec = static_cast<int>(second);
   fields.tm_wday = fields.tm_yday = -1;
 }
 
