@@ -68,7 +68,30 @@ static_assert(civilOf(1721424).year == 1 && civilOf(1721424).month == 1 && civil
 static_assert(civilOf(2299159).month == 10 && civilOf(2299159).day == 3);
 static_assert(civilOf(2299160).month == 10 && civilOf(2299160).day == 14);
 
+/// Every field defined and ordinary, the year from 1 to a few million: the
+/// same formula in unsigned arithmetic, where truncating is flooring.
+inline bool ordinaryFields(struct tm const &f) {
+  constexpr unsigned kSmall = 1000000;  // also excludes -1, the undefined marker
+  return f.tm_year >= 1 - 1900 && f.tm_year < 4000000 && static_cast<unsigned>(f.tm_mon) < 12 &&
+         static_cast<unsigned>(f.tm_mday) < kSmall && static_cast<unsigned>(f.tm_hour) < kSmall &&
+         static_cast<unsigned>(f.tm_min) < kSmall && static_cast<unsigned>(f.tm_sec) < kSmall;
+}
+
 inline double tmToJulian(struct tm const &fields, int ms) {
+  if (ordinaryFields(fields)) [[likely]] {
+    unsigned const y = static_cast<unsigned>(fields.tm_year + 1900);
+    unsigned const month = static_cast<unsigned>(fields.tm_mon);
+    unsigned const j = 365 * y + static_cast<unsigned>(kCommon[month]) + ((y & 3) == 0 && month >= 2) + (y - 1) / 4 +
+                       static_cast<unsigned>(fields.tm_mday) + 1721058;
+    long long day = j;
+    if (j >= 2299169) {
+      unsigned const c = y / 100;
+      day += static_cast<long long>(c / 4) - static_cast<long long>(c) + 2;
+    }
+    long long const seconds = ((fields.tm_hour - 12LL) * 60 + fields.tm_min) * 60 + fields.tm_sec;
+    return (static_cast<double>(day) + static_cast<double>(seconds) * 1.1574074074074073e-5) +
+           (ms > 0 ? ms : 0) * 1.1574074074074074e-8;
+  }
   using I = std::int64_t;  // no field value can overflow it
   I year = fields.tm_year == kUndefinedYearField ? I{-4713} : I{fields.tm_year} + 1900;
   I month = fields.tm_mon == -1 ? 0 : fields.tm_mon;
