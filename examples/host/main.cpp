@@ -38,6 +38,7 @@
 #include <quarn/eval/RunContext.h>
 #include <quarn/util/RunEnvironment.h>
 #include <quarn/value/BitsetValue.h>
+#include <quarn/value/DateTimeValue.h>
 #include <quarn/value/DoubleArrayValue.h>
 #include <quarn/value/DoubleValue.h>
 #include <quarn/value/IntegerValue.h>
@@ -112,6 +113,7 @@ void poolCounts(unsigned long &made, unsigned long &reused) {
   addPoolCounts<quarn::DoubleValue>(made, reused);
   addPoolCounts<quarn::DoubleArrayValue>(made, reused);
   addPoolCounts<quarn::BitsetValue>(made, reused);
+  addPoolCounts<quarn::DateTimeValue>(made, reused);
 }
 
 // One record: what the components produced for record `n`, as named, typed
@@ -131,6 +133,14 @@ quarn::Ptr<quarn::DataRecord> makeRecord(example::iCounter &counter, example::iG
       static_cast<quarn::BitsetValue &>(*record->defineProperty(Name("flags"), quarn::BitsetValue::Tag)->getValue());
   flags.resize(16);
   flags.setOn(static_cast<unsigned int>(n % 16));
+  // A time stamp with its zone: record n is n minutes after 2026-01-01 09:00 UTC, shown in Eastern time.
+  auto &stamp = static_cast<quarn::DateTimeValue &>(
+      *record->defineProperty(Name("stamp"), quarn::DateTimeValue::Tag)->getValue());
+  stamp.set(2026, 1, 1, 9, 0, 0, 0);
+  stamp.addMinutes(n);
+  stamp.setTimeZone(Name("EST"), true);
+  stamp.setDateTimeFormat(Name("%Y-%m-%d %H:%M:%S %Z").getBuffer());
+  stamp.getJulian();  // written with the record, so the copy read back compares equal
   return record;
 }
 
@@ -183,6 +193,8 @@ void useValues() {
         std::printf("last record: count %d, text \"%s\"\n",
                     record->findProperty(quarn::BaseString<unsigned short>("count"))->getValue()->getInteger(),
                     utf8.getBuffer());
+        record->findProperty(quarn::BaseString<unsigned short>("stamp"))->getValue()->getString(text);
+        std::printf("last record's time stamp: %s\n", quarn::util::ConvertStringtoUTF8(text).getBuffer());
       }
     }
   }

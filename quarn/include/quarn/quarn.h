@@ -66,6 +66,8 @@
 #include <quarn/value/ByteStream.h>
 #include <quarn/value/ConverterRegistry.h>
 #include <quarn/value/Crc32c.h>
+
+#include <quarn/value/DateTimeValue.h>
 #include <quarn/value/DefaultComparator.h>
 #include <quarn/value/DoubleArrayValue.h>
 #include <quarn/value/DoubleComparator.h>
