@@ -53,6 +53,7 @@
 #include <cstring>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #ifdef QUARN_HAVE_QT
@@ -198,28 +199,22 @@ using namespace quarn;
 /// Appends a new pooled V to `record` and returns it for filling.
 template <class V>
 V *add(ValueArrayValue &record) {
-  V *v = V::newInstance();
-  record.appendValue(static_cast<Value *>(v));
-  return v;
+  ObjPtr<V> v(V::newInstance());
+  V *added = v.get();
+  record.appendValue(ObjPtr<Value>(std::move(v)));
+  return added;
 }
 
-void addInteger(ValueArrayValue &record, int v) { *add<IntegerValue>(record) = v; }
+void addInteger(ValueArrayValue &record, int v) { add<IntegerValue>(record)->setInteger(v); }
 void addDouble(ValueArrayValue &record, double v) { add<DoubleValue>(record)->setDouble(v); }
-void addBoolean(ValueArrayValue &record, bool v) { *add<BooleanValue>(record) = v; }
+void addBoolean(ValueArrayValue &record, bool v) { add<BooleanValue>(record)->setBoolean(v); }
 void addString(ValueArrayValue &record, std::u16string const &text) {
-  add<StringValue>(record)->getString().assign(reinterpret_cast<unsigned short const *>(text.data()),
-                                               static_cast<unsigned int>(text.size()));
+  add<StringValue>(record)->setString(reinterpret_cast<unsigned short const *>(text.data()),
+                                      static_cast<unsigned int>(text.size()));
 }
 
-template <class T>
-Array<T> arrayOf(std::vector<T> const &v) {
-  Array<T> out;
-  out.reserve(static_cast<unsigned int>(v.size()));
-  for (T const &x : v) out.append(x);
-  return out;
-}
-
-/// A pooled record holding `r` (hand it back with deleteInstance()).
+/// A pooled record holding `r` (hand it back with deleteInstance()). Every
+/// value comes from its pool and is filled in the storage it kept.
 ValueArrayValue *fill(Source const &r) {
   ObjPtr<ValueArrayValue> record(ValueArrayValue::newInstance());
   ValueArrayValue &a = *record;
@@ -228,8 +223,8 @@ ValueArrayValue *fill(Source const &r) {
   addInteger(a, r.ints[2]), addDouble(a, r.doubles[2]), addString(a, r.text[2]), addBoolean(a, r.bools[1]);
   addInteger(a, r.ints[3]), addDouble(a, r.doubles[3]), addString(a, r.text[3]);
   addInteger(a, r.ints[4]), addInteger(a, r.ints[5]);
-  add<IntegerArrayValue>(a)->setElements(arrayOf(r.intArray));
-  add<DoubleArrayValue>(a)->setElements(arrayOf(r.doubleArray));
+  add<IntegerArrayValue>(a)->setElements(r.intArray.data(), kIntArray);
+  add<DoubleArrayValue>(a)->setElements(r.doubleArray.data(), kDoubleArray);
   add<BitFingerprintValue>(a)->setFromBuffer(reinterpret_cast<char const *>(r.words.data()), 4 * kFingerprintWords,
                                              kFingerprintBits);
   return record.detach();

@@ -363,11 +363,33 @@ void readUtf8(iByteInputStream &in, WString &value, unsigned int total) {
   value.swap(result);
 }
 
+/// Whether the `n` bytes at `p` are all below 0x80, a word at a time.
+inline bool allAscii(unsigned char const *p, std::size_t n) noexcept {
+  if (n < 8) {
+    unsigned int any = 0;
+    for (std::size_t k = 0; k < n; ++k) any |= p[k];
+    return any < 0x80;
+  }
+  std::uint64_t any = detail::get64(p + n - 8);  // the last word, overlapping the loop's
+  for (std::size_t k = 0; k + 8 <= n; k += 8) any |= detail::get64(p + k);
+  return (any & 0x8080808080808080ull) == 0;
+}
+
 /// From memory: find where the string ends (or how it runs short) first, then
-/// decode straight into the caller's buffer, which pooled values reuse.
+/// decode straight into the caller's buffer, which pooled values reuse. A
+/// string of ASCII only (one byte a unit) is checked and widened in one go.
 void readUtf8(MemoryInputStream &in, WString &value, unsigned int total) {
   unsigned char const *const begin = in.getCursor();
   unsigned char const *const end = begin + in.getRemaining();
+  if (in.getRemaining() >= total && allAscii(begin, total)) {
+    value.resize(total);
+    unsigned short *d = value.getBuffer();
+    std::size_t i = 0;
+    for (; i + kBlock <= total; i += kBlock) widenBlock(begin + i, d + i);
+    for (; i < total; ++i) d[i] = begin[i];
+    in.advance(total);
+    return;
+  }
   unsigned char const *q = begin;
   for (std::size_t i = 0; i < total;) {
     if (q == end) {
