@@ -95,11 +95,11 @@ void readElementsOneByOne(iByteInputStream &in, Array<T> &out, unsigned int coun
 /// Checks that `memory` holds `count` elements of Codec from its cursor; when
 /// it does not, consumes all that is left and throws the EOF message of the
 /// primitive that ran short, as reading them one by one would. Looks at the
-/// headers only when fewer than count * Codec::kMax bytes are left.
+/// headers only when fewer than count * Codec::kMaxWire bytes are left.
 template <class Codec>
 void requireElements(MemoryInputStream &memory, unsigned int count) {
   unsigned int const left = memory.getRemaining();
-  if (left / Codec::kMax >= count) return;
+  if (left / Codec::kMaxWire >= count) return;
   unsigned char const *q = memory.getCursor();
   unsigned char const *const end = q + left;
   for (unsigned int i = 0; i < count; ++i) {
@@ -116,17 +116,15 @@ void requireElements(MemoryInputStream &memory, unsigned int count) {
 template <class Codec, class Store>
 void decodeElements(MemoryInputStream &memory, unsigned int count, Store store) {
   unsigned char const *const begin = memory.getCursor();
+  unsigned char const *const end = begin + memory.getRemaining();
   unsigned char const *q = begin;
-  if (memory.getRemaining() / Codec::kMax >= count) {
-    for (unsigned int i = 0; i < count; ++i) {  // every element has kMax bytes to be read from
+  for (unsigned int i = 0; i < count; ++i) {
+    // The wide decoder while a longest form would fit, so only the last few look at sizes.
+    if (static_cast<unsigned int>(end - q) >= Codec::kMaxWire) [[likely]]
       store(i, Codec::decodeWide(q));
-      q += Codec::size(*q);
-    }
-  } else {
-    for (unsigned int i = 0; i < count; ++i) {
+    else
       store(i, Codec::decode(q));
-      q += Codec::size(*q);
-    }
+    q += Codec::size(*q);
   }
   memory.advance(static_cast<unsigned int>(q - begin));
 }

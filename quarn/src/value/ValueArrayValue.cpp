@@ -92,16 +92,29 @@ void checkNoZero(char const *bytes, unsigned int length, unsigned int index) {
 
 [[noreturn, gnu::cold]] void failNotRegistered(char const *name) { throw Exception("Class %hs not registered.", name); }
 
-/// An instance of the class named by the `length` bytes at `bytes` that element
-/// `index` names, when the memo does not know the name (so it may hold a zero
-/// byte, which is refused first): one registry probe
-/// finds an interned name and its bound class (remembered for next time);
-/// otherwise the instance is made by name as Class::getClassInstance makes it,
-/// which may load the component library registered for the name. A name that
-/// is neither interned nor registered is refused before it is interned, so
-/// that hostile data cannot fill the tag registry with names.
-[[gnu::noinline]] Object *makeUnknownName(char const *bytes, unsigned int length, unsigned int index,
-                                          NameContext const &names) {
+/// `made` as a value, or handed back and refused ("Class %hs is not a value",
+/// with the `length` bytes of the name at `bytes`).
+Value *asValue(Object *made, char const *bytes, unsigned int length) {
+  ObjPtr<Object> owner(made);
+  auto *value = static_cast<Value *>(made->findAs(Value::Tag));
+  if (!value) [[unlikely]]
+    throw Exception("Class %hs is not a value", BaseString<char>(bytes, length).getBuffer());  // `made` is handed back
+  owner.detach();
+  return value;
+}
+
+/// A new value of the class named by the `length` bytes at `bytes` that
+/// element `index` names, when the memo does not know the name (so it may hold
+/// a zero byte, which is refused first): one registry probe finds an interned
+/// name and its bound class; otherwise the value is made by name as
+/// Class::getClassInstance makes it, which may load the component library
+/// registered for the name. A name that is neither interned nor registered is
+/// refused before it is interned, so that hostile data cannot fill the tag
+/// registry with names. A bound class is remembered for the exact interned
+/// spelling when its instances are values through their Value base, so that
+/// the memo can answer with a cast.
+[[gnu::noinline]] Value *makeUnknownName(char const *bytes, unsigned int length, unsigned int index,
+                                         NameContext const &names) {
   checkNoZero(bytes, length, index);
   char name[ValueArrayValue::kMaxClassNameLength + 1];
   std::memcpy(name, bytes, length);
@@ -110,38 +123,35 @@ void checkNoZero(char const *bytes, unsigned int length, unsigned int index) {
   bool const interned = ClassTag::lookup(name, tag);
   if (interned) {
     if (Class const *c = tag.findClass()) {
-      if (tag.getNameLength() == length && std::memcmp(tag.getName(), name, length) == 0)
-        names.memo.remember(tag.getName(), length, names.generation, c);
       Object *made = c->newInstance();
       if (!made) [[unlikely]]
         failNotRegistered(tag.getName());
-      return made;
+      Value *value = asValue(made, bytes, length);
+      if (static_cast<Object *>(value) == made && tag.getNameLength() == length &&
+          std::memcmp(tag.getName(), name, length) == 0)
+        names.memo.remember(tag.getName(), length, names.generation, c);
+      return value;
     }
   } else if (!CClassRegistryFile::Exists(name)) [[unlikely]] {
     failNotRegistered(name);
   }
-  return Class::getClassInstance(interned ? tag : ClassTag(name));
+  return asValue(Class::getClassInstance(interned ? tag : ClassTag(name)), bytes, length);
 }
 
 /// A new value of the class whose name element `index` gives as the `length`
 /// bytes at `bytes`, read from a stream. Names this thread read lately come
-/// from its memo (an interned spelling has no zero byte); any other goes to
-/// makeUnknownName. An object that is not a value is handed back and refused.
+/// from its memo (an interned spelling has no zero byte, and the memo holds
+/// only classes whose instances are values through their Value base); any
+/// other goes to makeUnknownName. An object that is not a value is handed
+/// back and refused.
 Value *makeByName(char const *bytes, unsigned int length, unsigned int index, NameContext const &names) {
-  Object *made;
   if (Class const *c = names.memo.find(bytes, length, names.generation)) [[likely]] {
-    made = c->newInstance();
+    Object *made = c->newInstance();
     if (!made) [[unlikely]]
       failNotRegistered(BaseString<char>(bytes, length).getBuffer());
-  } else {
-    made = makeUnknownName(bytes, length, index, names);
+    return static_cast<Value *>(made);
   }
-  ObjPtr<Object> owner(made);
-  auto *value = static_cast<Value *>(made->findAs(Value::Tag));
-  if (!value) [[unlikely]]
-    throw Exception("Class %hs is not a value", BaseString<char>(bytes, length).getBuffer());  // `made` is handed back
-  owner.detach();
-  return value;
+  return makeUnknownName(bytes, length, index, names);
 }
 
 /// The length L of element `index`'s class name (its byte count plus one), checked.
@@ -189,7 +199,12 @@ void writeClassName(iByteOutputStream &out, MemoryOutputStream *memory, Value co
   }
   unsigned char *p = memory->reserveTail(detail::IntCodec::kMax + length);
   p += detail::IntCodec::encode(static_cast<int>(length + 1), p);
-  std::memcpy(p, name, length);
+  if (length >= 16 && length <= 32) {  // most class names: two 16-byte copies, overlapping
+    std::memcpy(p, name, 16);
+    std::memcpy(p + length - 16, name + length - 16, 16);
+  } else {
+    std::memcpy(p, name, length);
+  }
   memory->commitTailTo(p + length);
 }
 
