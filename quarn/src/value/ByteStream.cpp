@@ -297,6 +297,26 @@ void writeUtf8(Sink &sink, int n, unsigned short const *s, unsigned int count) {
   sink.close(p);
 }
 
+/// Texts up to this many units are tried as ASCII in one reservation first.
+constexpr unsigned int kShortText = 1024;
+
+/// Writes the prefix `n` and the `count` units, one byte each, when all are
+/// below 0x80 (the UTF-8 of an ASCII text); false, and nothing written, when
+/// one is not.
+bool writeShortAscii(MemoryOutputStream &out, int n, unsigned short const *s, unsigned int count) {
+  unsigned char *const p = out.reserveTail(IntCodec::kMax + count);
+  unsigned char *const q = p + IntCodec::encode(n, p);
+  unsigned int i = 0;
+  for (; i + kBlock <= count; i += kBlock)
+    if (!narrowBlock(s + i, q + i)) return false;
+  for (; i < count; ++i) {
+    if (s[i] >= 0x80) return false;
+    q[i] = static_cast<unsigned char>(s[i]);
+  }
+  out.commitTailTo(q + count);
+  return true;
+}
+
 /// Where bytes to decode come from: a window [p, end) that `refill` renews
 /// with at most `bound` bytes, the fewest the string can still hold, so that
 /// nothing after the string is consumed. False when the data has ended.
@@ -484,8 +504,10 @@ iByteOutputStream &operator<<(iByteOutputStream &out, WString const &value) {
   int version = out.version;
   if (n >= 2 && version >= 2) {
     if (MemoryOutputStream *memory = asMemory(out)) [[likely]] {
-      MemorySink sink(*memory);
-      writeUtf8(sink, n, units, count);
+      if (count > kShortText || !writeShortAscii(*memory, n, units, count)) {
+        MemorySink sink(*memory);
+        writeUtf8(sink, n, units, count);
+      }
     } else {
       StreamSink sink(out);
       writeUtf8(sink, n, units, count);
