@@ -33,7 +33,6 @@
 // can count its instructions alone and the calls of countedRecord say how
 // many records that was.
 #include <benchmark/benchmark.h>
-
 #include <quarn/core/Ptr.h>
 #include <quarn/value/BitFingerprintValue.h>
 #include <quarn/value/BooleanValue.h>
@@ -181,7 +180,8 @@ class Counting {
   void finish(benchmark::State &state, double wireBytes) const {
     auto iterations = static_cast<double>(state.iterations());
     state.SetItemsProcessed(state.iterations());
-    state.counters["allocs_per_record"] = iterations > 0 ? static_cast<double>(t_allocations - m_start) / iterations : 0;
+    state.counters["allocs_per_record"] =
+        iterations > 0 ? static_cast<double>(t_allocations - m_start) / iterations : 0;
     state.counters["bytes_per_record"] = wireBytes;
   }
 
@@ -320,7 +320,8 @@ void serialiseQuarnRow(benchmark::State &state) {
 
 void readBackQuarnRow(benchmark::State &state) {
   auto const &encoded = q::encoded();
-  for (auto const &bytes : encoded) q::readBack(bytes.data(), static_cast<unsigned int>(bytes.size()))->deleteInstance();
+  for (auto const &bytes : encoded)
+    q::readBack(bytes.data(), static_cast<unsigned int>(bytes.size()))->deleteInstance();
   Counting counting;
   unsigned int k = 0;
   for (auto _ : state) {
@@ -690,8 +691,7 @@ void readBackProtobufRow(benchmark::State &state) {
   Counting counting;
   unsigned int k = 0;
   for (auto _ : state) {
-    benchmark::DoNotOptimize(
-        pb::readBack(readArena.get(), encoded[k].data(), static_cast<int>(encoded[k].size())));
+    benchmark::DoNotOptimize(pb::readBack(readArena.get(), encoded[k].data(), static_cast<int>(encoded[k].size())));
     readArena.reset();
     k = (k + 1) % kRecords;
   }

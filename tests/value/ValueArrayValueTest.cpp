@@ -88,8 +88,8 @@ ValueArrayValue everyClass() {
 /// A record as pipelines pass them: scalars, a text, typed arrays and a bitset.
 ValueArrayValue mixedRecord() {
   return valuesOf(IntegerValue(40000), DoubleValue(0.5), StringValue("h\xE9"), BooleanValue(true),
-                  arrayOf<IntegerArrayValue>({1, -129}), arrayOf<DoubleArrayValue>({1.0, 0.0}),
-                  bitsetOf(33, {0, 32}), valuesOf(IntegerValue(7)));
+                  arrayOf<IntegerArrayValue>({1, -129}), arrayOf<DoubleArrayValue>({1.0, 0.0}), bitsetOf(33, {0, 32}),
+                  valuesOf(IntegerValue(7)));
 }
 
 /// Collects what is written; not a memory stream, so writers take their general path.
@@ -130,14 +130,13 @@ TEST(ValueArrayValueTest, EachElementIsFramedByItsClassNameThenItsPayload) {
 }
 
 TEST(ValueArrayValueTest, AMixedRecordKeepsItsBytesOnEveryPath) {
-  Bytes const golden_ = golden("20") + nameFrame(IntegerValue::className) + golden("03 40 9C 00 00") +
-                        nameFrame(DoubleValue::className) + golden("02 00 00 00 00 00 00 E0 3F") +
-                        nameFrame(StringValue::className) + golden("0C 68 C3 A9") + nameFrame(BooleanValue::className) +
-                        golden("01") + nameFrame(IntegerArrayValue::className) + golden("08 04 02 7F FF") +
-                        nameFrame(DoubleArrayValue::className) + golden("08 01 00") +
-                        nameFrame(BitsetValue::className) + golden("01 21 08 04 04") +
-                        nameFrame(ValueArrayValue::className) + golden("04") + nameFrame(IntegerValue::className) +
-                        golden("1C");
+  Bytes const golden_ =
+      golden("20") + nameFrame(IntegerValue::className) + golden("03 40 9C 00 00") + nameFrame(DoubleValue::className) +
+      golden("02 00 00 00 00 00 00 E0 3F") + nameFrame(StringValue::className) + golden("0C 68 C3 A9") +
+      nameFrame(BooleanValue::className) + golden("01") + nameFrame(IntegerArrayValue::className) +
+      golden("08 04 02 7F FF") + nameFrame(DoubleArrayValue::className) + golden("08 01 00") +
+      nameFrame(BitsetValue::className) + golden("01 21 08 04 04") + nameFrame(ValueArrayValue::className) +
+      golden("04") + nameFrame(IntegerValue::className) + golden("1C");
   ValueArrayValue const record = mixedRecord();
   EXPECT_EQ(hexOf(serialise(record)), hexOf(golden_));
   CollectingStream general;  // the general path writes the same bytes
@@ -147,9 +146,8 @@ TEST(ValueArrayValueTest, AMixedRecordKeepsItsBytesOnEveryPath) {
   // A name in another letter case is the same class, and interns nothing.
   int const tags = ClassTag::getNumClassTags();
   Bytes const upper = golden("04") + nameFrame("MARLIX.VALUE.INTEGERVALUE") + golden("1C");
-  readEach<ValueArrayValue>(upper, 2, [](ValueArrayValue const &read) {
-    EXPECT_EQ(read.compare(valuesOf(IntegerValue(7))), 0);
-  });
+  readEach<ValueArrayValue>(upper, 2,
+                            [](ValueArrayValue const &read) { EXPECT_EQ(read.compare(valuesOf(IntegerValue(7))), 0); });
   EXPECT_EQ(ClassTag::getNumClassTags(), tags);
 }
 
@@ -376,8 +374,7 @@ TEST(ValueArrayValueTest, ThreadsReadRecordsConcurrentlyAndRefuseUnknownNamesAli
             read->deserialize(bad);
             ++failures;
           } catch (Exception const &e) {
-            if (std::string(e.what()).rfind("Class Marlix.value.NoSuchThreadValue not registered.", 0) != 0)
-              ++failures;
+            if (std::string(e.what()).rfind("Class Marlix.value.NoSuchThreadValue not registered.", 0) != 0) ++failures;
           }
         }
       }

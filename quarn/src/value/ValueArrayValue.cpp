@@ -178,8 +178,7 @@ unsigned int readClassNameLength(iByteInputStream &in, MemoryInputStream *memory
 
 /// A new value of the class that element `index` names in its framing. From
 /// a memory stream the name is looked at where it lies.
-Value *readElementClass(iByteInputStream &in, MemoryInputStream *memory, unsigned int index,
-                        NameContext const &names) {
+Value *readElementClass(iByteInputStream &in, MemoryInputStream *memory, unsigned int index, NameContext const &names) {
   unsigned int const length = readClassNameLength(in, memory, index);
   if (!memory || memory->getRemaining() < length) return makeFromStreamedName(in, length, index, names);
   auto const *name = reinterpret_cast<char const *>(memory->getCursor());
