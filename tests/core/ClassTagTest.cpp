@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -82,6 +83,46 @@ TEST(ClassTagTest, WideNamesConvertUnitByUnitAndAnUnboundTagHasNoClass) {
   EXPECT_QUARN_THROW(ClassTag("Marlix.test.Unbound").getClass(),
                      "Class name Marlix.test.Unbound has no implementation class registered");
   EXPECT_EQ(&quarn::CountedObject::Tag.getClass(), &quarn::CountedObject::m_class);
+}
+
+// lookup is how names read from streams are found: one probe, nothing interned.
+TEST(ClassTagTest, LookupFindsAnyLetterCaseWithoutInterningAndTagsKeepTheirNameLength) {
+  ClassTag const first("Marlix.test.LookedUp");
+  int const count = ClassTag::getNumClassTags();
+  ClassTag found;
+  ASSERT_TRUE(ClassTag::lookup("MARLIX.test.lookedup", found));
+  EXPECT_EQ(found, first);
+  EXPECT_EQ(found.getName(), first.getName());
+  ClassTag untouched = first;
+  EXPECT_FALSE(ClassTag::lookup("Marlix.test.NeverLookedUp", untouched));
+  EXPECT_EQ(untouched, first);
+  EXPECT_FALSE(ClassTag::isInterned("Marlix.test.NeverLookedUp"));
+  EXPECT_EQ(ClassTag::getNumClassTags(), count);
+  // Every way of making a tag carries the length of the interned spelling.
+  for (ClassTag const &tag : {first, found, ClassTag("marlix.TEST.lookedup"), ClassTag(first.getHash(), true),
+                              ClassTag(first.getId(), false)})
+    EXPECT_EQ(tag.getNameLength(), std::strlen("Marlix.test.LookedUp"));
+  EXPECT_EQ(ClassTag().getNameLength(), 0u);
+  EXPECT_EQ(ClassTag("").getNameLength(), 0u);
+}
+
+// Caches of findClass compare the binding generation: binding and unbinding change it.
+struct GenerationProbe {
+  static quarn::ClassTagDecl const Tag;
+  static quarn::Object *newInstance() { return nullptr; }
+};
+quarn::ClassTagDecl const GenerationProbe::Tag("Marlix.test.GenerationProbe");
+
+TEST(ClassTagTest, BindingAndUnbindingChangeTheBindingGeneration) {
+  unsigned int const before = ClassTag::getBindingGeneration();
+  unsigned int bound;
+  {
+    quarn::ClassImp<GenerationProbe> c;  // binds itself to the tag
+    bound = ClassTag::getBindingGeneration();
+    EXPECT_NE(bound, before);
+    EXPECT_EQ(ClassTag::getBindingGeneration(), bound);  // reading changes nothing
+  }
+  EXPECT_NE(ClassTag::getBindingGeneration(), bound);  // unbound
 }
 
 TEST(ClassTagTest, MemoryUsageBlockAccumulatesPerTag) {

@@ -6,7 +6,9 @@
 #include <quarn/value/NullValue.h>
 #include <quarnCore/Exception.h>
 
+#include <initializer_list>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "support/ExpectThrow.h"
@@ -129,6 +131,38 @@ TYPED_TEST(EveryArrayTest, HostileCountsFailWithoutAllocatingAndKeepTheArray) {
     }
     EXPECT_EQ(serialise(array), before);
   }
+}
+
+// Pooled arrays are filled and read again and again: both go into the buffer they kept.
+TYPED_TEST(EveryArrayTest, SetElementsAndReadingFromMemoryReuseTheBufferTheArrayKept) {
+  using T = typename TypeParam::ElementType;
+  auto of = [](std::initializer_list<int> values) {
+    TypeParam a;
+    for (int v : values) a.appendValue(IntegerValue(v));
+    return a;
+  };
+  TypeParam const three = of({1, 0, 1});
+  TypeParam array;
+  array.resize(40);
+  T const *const buffer = array.getBuffer();
+  array.setElements(three.getBuffer(), 3);
+  EXPECT_EQ(array.getBuffer(), buffer);
+  EXPECT_EQ(array.compare(three), 0);
+  array.setElements(array.getBuffer() + 1, 2);  // from its own elements
+  EXPECT_EQ(array.compare(of({0, 1})), 0);
+  Bytes const bytes = serialise(three);
+  MemoryInputStream in(bytes.data(), static_cast<unsigned int>(bytes.size()));
+  array.deserialize(in);
+  if constexpr (!std::is_same_v<TypeParam, StringArrayValue>) {  // strings are read aside, then swapped in
+    EXPECT_EQ(array.getBuffer(), buffer);
+  }
+  EXPECT_EQ(array.compare(three), 0);
+  T const *const read = array.getBuffer();
+  array.setElements(three.getElements());
+  EXPECT_EQ(array.getBuffer(), read);
+  array.setElements(nullptr, 0);
+  EXPECT_EQ(array.getSize(), 0u);
+  EXPECT_EQ(array.getBuffer(), read);
 }
 
 TYPED_TEST(EveryArrayTest, APooledArrayComesBackEmptyWithItsBufferUnlessItWasLarge) {

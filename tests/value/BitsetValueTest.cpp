@@ -392,7 +392,28 @@ TEST(BitsetValueTest, PayloadWhoseWordCountDisagreesWithTheBitCountIsRepairedOrR
       EXPECT_EQ(b, bits(9, {3}));
       EXPECT_TRUE(in.atEnd());
     }
+    Bytes const bytes = golden(hex);
+    BitsetValue b = bits(9, {3});
+    MemoryInputStream memory(bytes.data(), static_cast<unsigned int>(bytes.size()));
+    EXPECT_QUARN_THROW(b.deserialize(memory), "EOF reading int header");
+    EXPECT_EQ(b, bits(9, {3}));
+    EXPECT_EQ(memory.getPosition(), bytes.size());
   }
+}
+
+// Pooled bitsets are filled and read again and again: both go into the words they kept.
+TEST(BitsetValueTest, SetFromBufferAndReadingFromMemoryReuseTheWordsKept) {
+  BitsetValue b = bits(1024, {1000});
+  unsigned int const *const words = b.getArray().getBuffer();
+  char const bytes[] = {0x05, 0x00, 0x00, 0x00, 0x01};
+  b.setFromBuffer(bytes, sizeof bytes, 64);  // the old bits beyond the bytes are cleared
+  EXPECT_EQ(b.getArray().getBuffer(), words);
+  EXPECT_EQ(on(b), (Positions{0, 2, 32}));
+  Bytes const payload = golden("01 28 08 02 80 00 08");  // 40 bits, 7 and 33 on
+  MemoryInputStream in(payload.data(), static_cast<unsigned int>(payload.size()));
+  b.deserialize(in);
+  EXPECT_EQ(b.getArray().getBuffer(), words);
+  EXPECT_EQ(b, bits(40, {7, 33}));
 }
 
 TEST(BitsetValueTest, PoolKeepsTheWordsOfSmallBitsetsOnlyAndClearFreesThem) {

@@ -1,10 +1,12 @@
 // GoldenBytes.h - golden payloads for the value tests: hex text, reading back, every truncation
 //
 // golden("04 1C") and hexOf(bytes) keep byte tables readable; readEach reads
-// a payload back through every chunk size of kChunkSizes and checks that all
-// of it was consumed; expectEveryCutFails reads every proper prefix of a
-// payload and checks that each fails with a quarn::Exception and leaves the
-// target as it was.
+// a payload back through every chunk size of kChunkSizes and from a memory
+// stream (whose readers work on the buffer directly), the last time into the
+// value the memory stream filled before, as a pooled value is read into
+// again, and checks that all of it was consumed; expectEveryCutFails reads
+// every proper prefix of a payload through both kinds of stream and checks
+// that each fails with a quarn::Exception and leaves the target as it was.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -52,7 +54,8 @@ inline std::string hexOf(Bytes const &bytes) {
   return out;
 }
 
-/// Reads `bytes` into a fresh T through every chunk size and hands each result to `check`.
+/// Reads `bytes` into a fresh T through every chunk size and from memory, then
+/// once more into the T read from memory, and hands each result to `check`.
 template <class T>
 void readEach(Bytes const &bytes, int version, std::function<void(T const &)> const &check) {
   for (int chunk : kChunkSizes) {
@@ -60,6 +63,13 @@ void readEach(Bytes const &bytes, int version, std::function<void(T const &)> co
     T read;
     read.deserialize(in);
     EXPECT_TRUE(in.atEnd()) << "chunk " << chunk << ": " << hexOf(bytes);
+    check(read);
+  }
+  T read;
+  for (int again = 0; again < 2; ++again) {
+    MemoryInputStream memory(bytes.data(), static_cast<unsigned int>(bytes.size()), version);
+    read.deserialize(memory);
+    EXPECT_EQ(memory.getPosition(), bytes.size()) << "memory: " << hexOf(bytes);
     check(read);
   }
 }
@@ -76,6 +86,13 @@ void expectEveryCutFails(Bytes const &bytes, T const &before, int version = 2) {
     } catch (Exception const &) {
     }
     EXPECT_EQ(target.compare(before), 0) << "cut " << cut << " of " << hexOf(bytes);
+    MemoryInputStream memory(bytes.data(), static_cast<unsigned int>(cut), version);
+    try {
+      target.deserialize(memory);
+      ADD_FAILURE() << "no failure from memory at cut " << cut << " of " << hexOf(bytes);
+    } catch (Exception const &) {
+    }
+    EXPECT_EQ(target.compare(before), 0) << "memory, cut " << cut << " of " << hexOf(bytes);
   }
 }
 

@@ -126,5 +126,27 @@ TEST(StringValueTest, AttachStringTakesTheBufferWithoutCopying) {
   EXPECT_EQ(str(v.getString()), u"new text");
 }
 
+TEST(StringValueTest, SetStringAndReadingFromMemoryUseTheBufferKept) {
+  StringValue v(u16(std::u16string(40, u'x')).getBuffer());
+  unsigned short const *const buffer = v.getString().getBuffer();
+  std::u16string const ascii = u"abcdefghijklmnopqrstu";  // longer than one 16-unit block
+  v.setString(reinterpret_cast<unsigned short const *>(ascii.data()), 3);
+  EXPECT_EQ(v.getString().getBuffer(), buffer);
+  EXPECT_EQ(str(v.getString()), u"abc");
+  v.setString(v.getString().getBuffer() + 1, 2);  // from its own text
+  EXPECT_EQ(str(v.getString()), u"bc");
+  // ASCII and other texts read from memory, into the same buffer.
+  for (std::u16string const &t : {ascii, std::u16string(u"a\u00E9b"), std::u16string()}) {
+    Bytes const bytes = serialise(text(t));
+    MemoryInputStream in(bytes.data(), static_cast<unsigned int>(bytes.size()));
+    v.deserialize(in);
+    EXPECT_EQ(v.getString().getBuffer(), buffer);
+    EXPECT_EQ(str(v.getString()), t);
+    EXPECT_EQ(in.getPosition(), bytes.size());
+  }
+  v.setString(nullptr, 0);
+  EXPECT_TRUE(v.getString().isNull());
+}
+
 }  // namespace
 }  // namespace quarn::test

@@ -19,7 +19,9 @@
 #include <quarn/value/ValueArrayValue.h>
 #include <quarnCore/LeakDetector.h>
 
+#include <atomic>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "support/ExpectThrow.h"
@@ -83,6 +85,30 @@ ValueArrayValue everyClass() {
   return all;
 }
 
+/// A record as pipelines pass them: scalars, a text, typed arrays and a bitset.
+ValueArrayValue mixedRecord() {
+  return valuesOf(IntegerValue(40000), DoubleValue(0.5), StringValue("h\xE9"), BooleanValue(true),
+                  arrayOf<IntegerArrayValue>({1, -129}), arrayOf<DoubleArrayValue>({1.0, 0.0}), bitsetOf(33, {0, 32}),
+                  valuesOf(IntegerValue(7)));
+}
+
+/// Collects what is written; not a memory stream, so writers take their general path.
+class CollectingStream final : public iByteOutputStream {
+ public:
+  void write(void const *data, int count) override {
+    auto const *p = static_cast<unsigned char const *>(data);
+    if (count > 0) bytes.insert(bytes.end(), p, p + count);
+  }
+  Bytes bytes;
+};
+
+/// `bytes` read into `target` from a memory stream.
+void readFromMemory(ValueArrayValue &target, Bytes const &bytes) {
+  MemoryInputStream in(bytes.data(), static_cast<unsigned int>(bytes.size()));
+  target.deserialize(in);
+  EXPECT_EQ(in.getPosition(), bytes.size());
+}
+
 /// Instances alive in the process once every pool is emptied.
 long liveInstances() {
   Class::clearAllClassPools();
@@ -101,6 +127,28 @@ TEST(ValueArrayValueTest, EachElementIsFramedByItsClassNameThenItsPayload) {
     EXPECT_EQ(read[0].getClassTag(), StringValue::Tag);
     EXPECT_EQ(read[1].getClassTag(), NullValue::Tag);
   });
+}
+
+TEST(ValueArrayValueTest, AMixedRecordKeepsItsBytesOnEveryPath) {
+  Bytes const golden_ =
+      golden("20") + nameFrame(IntegerValue::className) + golden("03 40 9C 00 00") + nameFrame(DoubleValue::className) +
+      golden("02 00 00 00 00 00 00 E0 3F") + nameFrame(StringValue::className) + golden("0C 68 C3 A9") +
+      nameFrame(BooleanValue::className) + golden("01") + nameFrame(IntegerArrayValue::className) +
+      golden("08 04 02 7F FF") + nameFrame(DoubleArrayValue::className) + golden("08 01 00") +
+      nameFrame(BitsetValue::className) + golden("01 21 08 04 04") + nameFrame(ValueArrayValue::className) +
+      golden("04") + nameFrame(IntegerValue::className) + golden("1C");
+  ValueArrayValue const record = mixedRecord();
+  EXPECT_EQ(hexOf(serialise(record)), hexOf(golden_));
+  CollectingStream general;  // the general path writes the same bytes
+  record.serialize(general);
+  EXPECT_EQ(hexOf(general.bytes), hexOf(golden_));
+  readEach<ValueArrayValue>(golden_, 2, [&](ValueArrayValue const &read) { EXPECT_EQ(read.compare(record), 0); });
+  // A name in another letter case is the same class, and interns nothing.
+  int const tags = ClassTag::getNumClassTags();
+  Bytes const upper = golden("04") + nameFrame("MARLIX.VALUE.INTEGERVALUE") + golden("1C");
+  readEach<ValueArrayValue>(upper, 2,
+                            [](ValueArrayValue const &read) { EXPECT_EQ(read.compare(valuesOf(IntegerValue(7))), 0); });
+  EXPECT_EQ(ClassTag::getNumClassTags(), tags);
 }
 
 TEST(ValueArrayValueTest, OneValueOfEveryClassRoundTripsAndEveryTruncationFailsHandingBackWhatItMade) {
@@ -164,6 +212,9 @@ TEST(ValueArrayValueTest, BadClassNamesFailClearlyAtEachNestingLevelAndLeaveNoth
       ValueArrayValue target(before);
       ChunkedInputStream in(c.bytes, 8);
       EXPECT_QUARN_THROW(target.deserialize(in), c.message + kAnnotation);
+      EXPECT_EQ(target.compare(before), 0);
+      MemoryInputStream memory(c.bytes.data(), static_cast<unsigned int>(c.bytes.size()));
+      EXPECT_QUARN_THROW(target.deserialize(memory), c.message + kAnnotation);
       EXPECT_EQ(target.compare(before), 0);
     }
     EXPECT_EQ(liveInstances(), baseline) << c.message;
@@ -229,6 +280,13 @@ TEST(ValueArrayValueTest, TheArrayOwnsItsElementsAndHandsThemBack) {
     a.appendValue(given);  // the object itself
     EXPECT_EQ(&a.getIthValue(1), given);
     EXPECT_EQ(pool.getOutstanding(), outstanding + 2);
+    ObjPtr<IntegerValue> owned(IntegerValue::newInstance());
+    IntegerValue *const passed = owned.get();
+    a.appendValue(ObjPtr<Value>(std::move(owned)));  // ownership passes, no copy
+    EXPECT_FALSE(owned);
+    EXPECT_EQ(&a.getIthValue(2), passed);
+    a.remove(2);
+    EXPECT_EQ(pool.getOutstanding(), outstanding + 2);
     ValueArrayValue copy(a);
     EXPECT_NE(&copy[0], &a[0]);
     EXPECT_EQ(pool.getOutstanding(), outstanding + 4);
@@ -252,6 +310,79 @@ TEST(ValueArrayValueTest, TheArrayOwnsItsElementsAndHandsThemBack) {
   pooled->appendValue(IntegerValue(1));
   pooled->deleteInstance();
   EXPECT_EQ(pool.getOutstanding(), outstanding);
+}
+
+TEST(ValueArrayValueTest, ReadingIntoAnArrayThatHeldOtherElementsHandsThemBackAndKeepsItsBuffer) {
+  Bytes const bytes = serialise(mixedRecord());
+  ValueArrayValue const record = mixedRecord();
+  // clang-format off
+  ValueArrayValue const befores[] = {
+      ValueArrayValue(), valuesOf(StringValue("one")),
+      valuesOf(nullsOf(2), FlexValue(1), StringValue("a"), BooleanValue(false), IntegerValue(1), DoubleValue(2),
+               MissingValue(), NullValue(), StringValue("b"), IntegerValue(3)),
+  };
+  // clang-format on
+  long const baseline = liveInstances();
+  for (ValueArrayValue const &before : befores) {
+    {
+      ValueArrayValue target(before);
+      readFromMemory(target, bytes);
+      EXPECT_EQ(target.compare(record), 0);
+      readEach<ValueArrayValue>(bytes, 2, [&](ValueArrayValue const &read) { EXPECT_EQ(read.compare(record), 0); });
+      // A failure half-way hands back what it made and keeps what the array held.
+      ValueArrayValue kept(before);
+      Bytes const cut(bytes.begin(), bytes.end() - 1);  // the nested array's integer is missing
+      MemoryInputStream in(cut.data(), static_cast<unsigned int>(cut.size()));
+      EXPECT_QUARN_THROW(kept.deserialize(in), std::string("EOF reading int header") + kAnnotation + kAnnotation);
+      EXPECT_EQ(kept.compare(before), 0);
+    }
+    EXPECT_EQ(liveInstances(), baseline) << before.getSize();
+  }
+  // A pooled array comes back empty with its buffer, and reads into that buffer.
+  ValueArrayValue *pooled = ValueArrayValue::newInstance();
+  readFromMemory(*pooled, bytes);
+  Value *const *buffer = pooled->getElements().getBuffer();
+  pooled->deleteInstance();
+  ValueArrayValue *again = ValueArrayValue::newInstance();
+  ASSERT_EQ(again, pooled);
+  readFromMemory(*again, bytes);
+  EXPECT_EQ(again->getElements().getBuffer(), buffer);
+  EXPECT_EQ(again->compare(record), 0);
+  again->deleteInstance();
+}
+
+TEST(ValueArrayValueTest, ThreadsReadRecordsConcurrentlyAndRefuseUnknownNamesAlike) {
+  Bytes const mixed = serialise(mixedRecord());
+  Bytes const every = serialise(everyClass());
+  Bytes const unknown = golden("04") + nameFrame("Marlix.value.NoSuchThreadValue");
+  ValueArrayValue const mixedValue = mixedRecord(), everyValue = everyClass();
+  int const tags = ClassTag::getNumClassTags();
+  std::atomic<int> failures{0};
+  std::vector<std::thread> threads;
+  for (int t = 0; t < 4; ++t) {
+    threads.emplace_back([&, t] {
+      for (int k = 0; k < 200; ++k) {
+        ObjPtr<ValueArrayValue> read(ValueArrayValue::newInstance());
+        bool const useEvery = (k + t) % 3 == 0;
+        Bytes const &bytes = useEvery ? every : mixed;
+        MemoryInputStream in(bytes.data(), static_cast<unsigned int>(bytes.size()));
+        read->deserialize(in);
+        if (read->compare(useEvery ? everyValue : mixedValue) != 0) ++failures;
+        if (k % 50 == t) {
+          MemoryInputStream bad(unknown.data(), static_cast<unsigned int>(unknown.size()));
+          try {
+            read->deserialize(bad);
+            ++failures;
+          } catch (Exception const &e) {
+            if (std::string(e.what()).rfind("Class Marlix.value.NoSuchThreadValue not registered.", 0) != 0) ++failures;
+          }
+        }
+      }
+    });
+  }
+  for (std::thread &t : threads) t.join();
+  EXPECT_EQ(failures.load(), 0);
+  EXPECT_EQ(ClassTag::getNumClassTags(), tags);
 }
 
 TEST(ValueArrayValueTest, HashAndOrderFollowTheElements) {

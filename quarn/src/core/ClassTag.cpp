@@ -7,6 +7,7 @@
 // until the library unloads; a lock serialises interning and binding.
 #include <quarn/core/ClassTag.h>
 
+#include <atomic>
 #include <mutex>
 
 #include <quarn/core/Class.h>
@@ -48,6 +49,9 @@ struct HashTraits {
 
 struct Registry;
 Registry *g_registry = nullptr;
+
+/// Counts the bindings and unbindings of classes (see getBindingGeneration).
+std::atomic<unsigned int> g_bindingGeneration{0};
 
 struct Registry {
   Registry() { g_registry = this; }
@@ -102,6 +106,7 @@ ClassTag::ClassTag(int value, bool byHash) {
     int const *id = r->byHash.find(static_cast<unsigned int>(value));
     if (!id) throw Exception("ClassTag with hash '0x%X' not found", value);
     m_id = *id;
+    m_length = r->names[static_cast<unsigned int>(m_id)].getLength();
     m_name = r->names[static_cast<unsigned int>(m_id)].getBuffer();
     return;
   }
@@ -111,6 +116,7 @@ ClassTag::ClassTag(int value, bool byHash) {
   int count = static_cast<int>(r->names.getSize());
   if (value < 0 || value >= count) throwBadId(value, count);
   m_id = value;
+  m_length = r->names[static_cast<unsigned int>(value)].getLength();
   m_name = r->names[static_cast<unsigned int>(value)].getBuffer();
 }
 
@@ -122,6 +128,7 @@ void ClassTag::Init(char const *name) {
   std::lock_guard lock(r.mutex);
   if (int const *id = r.byName.find(name)) {
     m_id = *id;
+    m_length = r.names[static_cast<unsigned int>(*id)].getLength();
     m_name = r.names[static_cast<unsigned int>(*id)].getBuffer();
     return;
   }
@@ -135,6 +142,7 @@ void ClassTag::Init(char const *name) {
   r.classes.reserve(r.classes.getSize() + 1);
   BaseString<char> stored(name);
   char const *key = stored.getBuffer();
+  unsigned int const length = stored.getLength();
   r.byHash.insertNew(h, id, h);
   try {
     r.byName.insertNew(key, id, foldedHash(key));
@@ -145,6 +153,7 @@ void ClassTag::Init(char const *name) {
   r.names.append(std::move(stored));
   r.classes.append(nullptr);
   m_id = id;
+  m_length = length;
   m_name = key;
 }
 
@@ -155,6 +164,20 @@ bool ClassTag::isInterned(char const *name) {
   std::lock_guard lock(r.mutex);
   return r.byName.find(name ? name : "") != nullptr;
 }
+
+bool ClassTag::lookup(char const *name, ClassTag &tag) {
+  Registry &r = registry();
+  std::lock_guard lock(r.mutex);
+  int const *id = r.byName.find(name ? name : "");
+  if (!id) return false;
+  BaseString<char> const &stored = r.names[static_cast<unsigned int>(*id)];
+  tag.m_id = *id;
+  tag.m_length = stored.getLength();
+  tag.m_name = stored.getBuffer();
+  return true;
+}
+
+unsigned int ClassTag::getBindingGeneration() noexcept { return g_bindingGeneration.load(std::memory_order_acquire); }
 
 int ClassTag::getNumClassTags() {
   Registry *r = g_registry;
@@ -170,6 +193,7 @@ void ClassTag::setClass(Class *c) const {
   int count = static_cast<int>(r->classes.getSize());
   if (m_id < 0 || m_id >= count) throwBadId(m_id, count);
   r->classes[static_cast<unsigned int>(m_id)] = c;
+  g_bindingGeneration.fetch_add(1, std::memory_order_acq_rel);
 }
 
 Class *ClassTag::findClass() const {

@@ -12,7 +12,9 @@
 // stream storage grows as elements actually arrive (at most 4096 reserved
 // ahead). A run that ends early throws the EOF message of the
 // primitive that ran short, after consuming every byte there was, and leaves
-// the caller's array as it was.
+// the caller's array as it was. From a memory stream the elements are found
+// complete before the caller's array is touched, and are then decoded into
+// the storage it kept (a pooled array reads without allocating).
 #pragma once
 
 #include <algorithm>
@@ -90,6 +92,43 @@ void readElementsOneByOne(iByteInputStream &in, Array<T> &out, unsigned int coun
   out.swap(result);
 }
 
+/// Checks that `memory` holds `count` elements of Codec from its cursor; when
+/// it does not, consumes all that is left and throws the EOF message of the
+/// primitive that ran short, as reading them one by one would. Looks at the
+/// headers only when fewer than count * Codec::kMaxWire bytes are left.
+template <class Codec>
+void requireElements(MemoryInputStream &memory, unsigned int count) {
+  unsigned int const left = memory.getRemaining();
+  if (left / Codec::kMaxWire >= count) return;
+  unsigned char const *q = memory.getCursor();
+  unsigned char const *const end = q + left;
+  for (unsigned int i = 0; i < count; ++i) {
+    if (q == end || Codec::size(*q) > static_cast<unsigned int>(end - q)) [[unlikely]] {
+      memory.skip(left);
+      failArrayRead(q == end ? Codec::kHeaderEof : Codec::bodyEof(*q));
+    }
+    q += Codec::size(*q);
+  }
+}
+
+/// Decodes `count` elements of Codec that requireElements found in `memory`,
+/// handing element i to store(i, value), and consumes them.
+template <class Codec, class Store>
+void decodeElements(MemoryInputStream &memory, unsigned int count, Store store) {
+  unsigned char const *const begin = memory.getCursor();
+  unsigned char const *const end = begin + memory.getRemaining();
+  unsigned char const *q = begin;
+  for (unsigned int i = 0; i < count; ++i) {
+    // The wide decoder while a longest form would fit, so only the last few look at sizes.
+    if (static_cast<unsigned int>(end - q) >= Codec::kMaxWire) [[likely]]
+      store(i, Codec::decodeWide(q));
+    else
+      store(i, Codec::decode(q));
+    q += Codec::size(*q);
+  }
+  memory.advance(static_cast<unsigned int>(q - begin));
+}
+
 /// Reads `count` elements with Codec into `out` (replacing its contents).
 template <class Codec>
 void readElements(iByteInputStream &in, Array<typename Codec::Type> &out, unsigned int count) {
@@ -118,27 +157,10 @@ void readElements(iByteInputStream &in, Array<typename Codec::Type> &out, unsign
     }
     memory->skip(count);
   } else {
-    unsigned char const *q = begin;
-    if (left < count) {  // cannot hold them all: find where it runs short
-      for (unsigned int i = 0; i < count; ++i) {
-        if (q == end || Codec::size(*q) > static_cast<unsigned int>(end - q)) runShort(q);
-        q += Codec::size(*q);
-      }
-    }
-    Array<T> result;  // decoded aside, so a failure leaves `out` as it was
-    result.resize(count);
-    T *dst = result.getBuffer();
-    for (unsigned int i = 0; i < count; ++i) {
-      if (q == end) [[unlikely]]
-        runShort(q);
-      unsigned int size = Codec::size(*q);
-      if (size > static_cast<unsigned int>(end - q)) [[unlikely]]
-        runShort(q);
-      dst[i] = Codec::decode(q);
-      q += size;
-    }
-    memory->skip(static_cast<unsigned int>(q - begin));
-    out.swap(result);
+    requireElements<Codec>(*memory, count);
+    out.resize(count);  // the storage it kept, grown only for more; nothing fails after this
+    T *dst = out.getBuffer();
+    decodeElements<Codec>(*memory, count, [dst](unsigned int i, T value) { dst[i] = value; });
   }
 }
 

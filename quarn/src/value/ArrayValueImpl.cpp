@@ -155,6 +155,24 @@ template <class T, class C>
 ArrayValueImpl<T, C>::~ArrayValueImpl() = default;
 
 template <class T, class C>
+void ArrayValueImpl<T, C>::setElements(T const *elements, unsigned int count) {
+  // Elements inside this array leave room for `count` without growing, so
+  // growing (which moves the buffer) only happens for elements from elsewhere.
+  unsigned int const size = m_array.getSize();
+  if constexpr (std::is_trivially_copyable_v<T>) {
+    m_array.resize(count);
+    if (count) std::memmove(m_array.getBuffer(), elements, sizeof(T) * count);
+  } else {
+    m_array.reserve(count);
+    T *p = m_array.getBuffer();
+    unsigned int const common = std::min(size, count);
+    for (unsigned int i = 0; i < common; ++i) p[i] = elements[i];  // each string keeps its buffer
+    for (unsigned int i = common; i < count; ++i) m_array.append(elements[i]);
+    if (count < size) m_array.resize(count);
+  }
+}
+
+template <class T, class C>
 unsigned int ArrayValueImpl<T, C>::hash() const {
   return Element<T>::hash(m_array.getBuffer(), m_array.getSize());
 }

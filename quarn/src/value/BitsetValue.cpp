@@ -15,6 +15,7 @@
 #include <cstring>
 #include <utility>
 
+#include "ArrayCoding.h"
 #include "BitCount.h"
 
 namespace quarn {
@@ -30,6 +31,11 @@ constexpr char kClass[] = "BitsetValue";
 
 /// ceil(numBits / 32) without overflow.
 constexpr unsigned int wordsFor(unsigned int numBits) noexcept { return numBits / 32u + (numBits % 32u != 0); }
+
+/// n after reading `words` words for `numBits` bits: too few words decide the length.
+constexpr unsigned int lengthOfRead(unsigned int numBits, unsigned int words) noexcept {
+  return words < wordsFor(numBits) ? words * 32u : numBits;
+}
 
 /// The positions that exist both in the bit count and in the words.
 unsigned long long usableBits(unsigned int numBits, unsigned int words) noexcept {
@@ -380,11 +386,21 @@ void BitsetValue::readPositions(unsigned short const *text) {
 void BitsetValue::setFromString(BaseString<unsigned short> const &text) { readPositions(text.getBuffer()); }
 
 void BitsetValue::setFromBuffer(char const *bytes, unsigned int byteCount, unsigned int numBits) {
-  Array<unsigned int> words;
-  words.resize(wordsFor(numBits));
-  unsigned int const copied = std::min(byteCount, words.getSize() * 4u);
-  if (copied) std::memcpy(words.getBuffer(), bytes, copied);
-  m_words.swap(words);
+  unsigned int const words = wordsFor(numBits);
+  unsigned int const copied = std::min(byteCount, words * 4u);
+  auto const *storage = reinterpret_cast<char const *>(m_words.getBuffer());
+  if (copied && storage && bytes >= storage && bytes < storage + 4ull * m_words.getCapacity()) {
+    // From this bitset's own words: copied aside first, as growing may move them.
+    Array<unsigned int> aside;
+    aside.resize(words);
+    std::memcpy(aside.getBuffer(), bytes, copied);
+    m_words.swap(aside);
+  } else {
+    m_words.resize(words);  // in the storage it kept; throws before anything changes
+    auto *to = reinterpret_cast<char *>(m_words.getBuffer());
+    if (copied) std::memcpy(to, bytes, copied);
+    if (words * 4u > copied) std::memset(to + copied, 0, words * 4u - copied);
+  }
   m_numBits = numBits;
   clearSurplusBits();
 }
@@ -409,16 +425,29 @@ unsigned int BitsetValue::hash() const {
 void BitsetValue::serialize(iByteOutputStream &out) const {
   Value::serialize(out);
   out << static_cast<int>(m_numBits) << static_cast<int>(m_words.getSize());
-  for (unsigned int word : m_words) out << static_cast<int>(word);
+  // Each word as the int of its 32 bits.
+  detail::writeElements<detail::IntCodec>(out, reinterpret_cast<int const *>(m_words.getBuffer()), m_words.getSize());
 }
 
 void BitsetValue::deserialize(iByteInputStream &in) {
   Value::deserialize(in);
   int bitsRead, wordsRead;
   in >> bitsRead >> wordsRead;
-  unsigned int numBits = static_cast<unsigned int>(bitsRead);
+  unsigned int const numBits = static_cast<unsigned int>(bitsRead);
   unsigned int const wordCount = static_cast<unsigned int>(wordsRead);
   unsigned int const kept = std::min(wordCount, wordsFor(numBits));  // extra words are read, not kept
+  if (MemoryInputStream *memory = detail::asMemoryStream(in)) {
+    // All the words are found in the data before the kept storage takes them.
+    detail::requireElements<detail::IntCodec>(*memory, wordCount);
+    m_words.resize(kept);
+    unsigned int *to = m_words.getBuffer();
+    detail::decodeElements<detail::IntCodec>(*memory, wordCount, [to, kept](unsigned int k, int word) {
+      if (k < kept) to[k] = static_cast<unsigned int>(word);
+    });
+    m_numBits = lengthOfRead(numBits, kept);
+    clearSurplusBits();
+    return;
+  }
   // Storage grows with the words that actually arrive, never with a count.
   Array<unsigned int> words;
   words.reserve(std::min(kept, 1024u));
@@ -427,9 +456,8 @@ void BitsetValue::deserialize(iByteInputStream &in) {
     in >> word;
     if (k < kept) words.append(static_cast<unsigned int>(word));
   }
-  if (kept < wordsFor(numBits)) numBits = kept * 32u;  // too few words: they decide the length
   m_words.swap(words);
-  m_numBits = numBits;
+  m_numBits = lengthOfRead(numBits, kept);
   clearSurplusBits();
 }
 

@@ -297,6 +297,26 @@ void writeUtf8(Sink &sink, int n, unsigned short const *s, unsigned int count) {
   sink.close(p);
 }
 
+/// Texts up to this many units are tried as ASCII in one reservation first.
+constexpr unsigned int kShortText = 1024;
+
+/// Writes the prefix `n` and the `count` units, one byte each, when all are
+/// below 0x80 (the UTF-8 of an ASCII text); false, and nothing written, when
+/// one is not.
+bool writeShortAscii(MemoryOutputStream &out, int n, unsigned short const *s, unsigned int count) {
+  unsigned char *const p = out.reserveTail(IntCodec::kMax + count);
+  unsigned char *const q = p + IntCodec::encode(n, p);
+  unsigned int i = 0;
+  for (; i + kBlock <= count; i += kBlock)
+    if (!narrowBlock(s + i, q + i)) return false;
+  for (; i < count; ++i) {
+    if (s[i] >= 0x80) return false;
+    q[i] = static_cast<unsigned char>(s[i]);
+  }
+  out.commitTailTo(q + count);
+  return true;
+}
+
 /// Where bytes to decode come from: a window [p, end) that `refill` renews
 /// with at most `bound` bytes, the fewest the string can still hold, so that
 /// nothing after the string is consumed. False when the data has ended.
@@ -363,11 +383,33 @@ void readUtf8(iByteInputStream &in, WString &value, unsigned int total) {
   value.swap(result);
 }
 
+/// Whether the `n` bytes at `p` are all below 0x80, a word at a time.
+inline bool allAscii(unsigned char const *p, std::size_t n) noexcept {
+  if (n < 8) {
+    unsigned int any = 0;
+    for (std::size_t k = 0; k < n; ++k) any |= p[k];
+    return any < 0x80;
+  }
+  std::uint64_t any = detail::get64(p + n - 8);  // the last word, overlapping the loop's
+  for (std::size_t k = 0; k + 8 <= n; k += 8) any |= detail::get64(p + k);
+  return (any & 0x8080808080808080ull) == 0;
+}
+
 /// From memory: find where the string ends (or how it runs short) first, then
-/// decode straight into the caller's buffer, which pooled values reuse.
+/// decode straight into the caller's buffer, which pooled values reuse. A
+/// string of ASCII only (one byte a unit) is checked and widened in one go.
 void readUtf8(MemoryInputStream &in, WString &value, unsigned int total) {
   unsigned char const *const begin = in.getCursor();
   unsigned char const *const end = begin + in.getRemaining();
+  if (in.getRemaining() >= total && allAscii(begin, total)) {
+    value.resize(total);
+    unsigned short *d = value.getBuffer();
+    std::size_t i = 0;
+    for (; i + kBlock <= total; i += kBlock) widenBlock(begin + i, d + i);
+    for (; i < total; ++i) d[i] = begin[i];
+    in.advance(total);
+    return;
+  }
   unsigned char const *q = begin;
   for (std::size_t i = 0; i < total;) {
     if (q == end) {
@@ -462,8 +504,10 @@ iByteOutputStream &operator<<(iByteOutputStream &out, WString const &value) {
   int version = out.version;
   if (n >= 2 && version >= 2) {
     if (MemoryOutputStream *memory = asMemory(out)) [[likely]] {
-      MemorySink sink(*memory);
-      writeUtf8(sink, n, units, count);
+      if (count > kShortText || !writeShortAscii(*memory, n, units, count)) {
+        MemorySink sink(*memory);
+        writeUtf8(sink, n, units, count);
+      }
     } else {
       StreamSink sink(out);
       writeUtf8(sink, n, units, count);

@@ -52,6 +52,11 @@ void readNarrowBytes(iByteInputStream &in, BaseString<char> &out, unsigned int c
   out.swap(result);
 }
 
+void readNarrowBytes(iByteInputStream &in, char *out, unsigned int count) {
+  std::size_t got = readAvailable(in, out, count);
+  if (got != count) failShort(got + 1, count);
+}
+
 void readNarrowText(iByteInputStream &in, BaseString<char> &out) {
   int n;
   in >> n;

@@ -32,6 +32,8 @@ inline void writeNarrowText(iByteOutputStream &out, BaseString<char> const &text
 
 /// Reads exactly `count` bytes of text (no prefix) into `out`, replaced on success only.
 void readNarrowBytes(iByteInputStream &in, BaseString<char> &out, unsigned int count);
+/// Reads exactly `count` bytes of text (no prefix) into the caller's room for them at `out`.
+void readNarrowBytes(iByteInputStream &in, char *out, unsigned int count);
 
 /// Reads a framed text into `out`, replaced on success only.
 void readNarrowText(iByteInputStream &in, BaseString<char> &out);

@@ -3,6 +3,7 @@
 #include <quarn/value/StringValue.h>
 #include <quarnCore/TextUtil.h>
 
+#include <cstring>
 #include <utility>
 
 #include "SingleElement.h"
@@ -73,7 +74,13 @@ void StringValue::assignToSameClass(Value &target) const { sameClass(target).m_t
 
 int StringValue::compare(Value const &other) const {
   if (other.getClassTag().getId() != Tag.getId()) return compareClassName(other);
-  return m_text.compare(static_cast<StringValue const &>(other).m_text);
+  BaseString<unsigned short> const &theirs = static_cast<StringValue const &>(other).m_text;
+  // Equal texts, the common answer, in one block compare; the units decide otherwise.
+  unsigned int const length = m_text.getLength();
+  if (length == theirs.getLength() && m_text.isNull() == theirs.isNull() &&
+      (length == 0 || std::memcmp(m_text.getBuffer(), theirs.getBuffer(), sizeof(unsigned short) * length) == 0))
+    return 0;
+  return m_text.compare(theirs);
 }
 
 bool StringValue::getXMLText(BaseString<unsigned short> &text, BaseString<unsigned short> &extra) const {

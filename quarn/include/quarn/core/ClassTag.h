@@ -8,7 +8,10 @@
 // spelling. The registry also holds, per id, the Class object bound to the name.
 //
 // Interning is serialised by a lock, so tags may be made from any thread;
-// nothing is removed while the library is loaded. Ids are per process: stored
+// nothing is removed while the library is loaded. lookup() finds a name
+// without interning it, for names that come from outside (a stream) and must
+// not fill the registry. Whoever caches what findClass answers compares
+// getBindingGeneration(), which changes whenever a class is bound or unbound. Ids are per process: stored
 // data identifies a class by getHash() instead, and ClassTag(hash, true)
 // rebuilds the tag.
 //
@@ -52,6 +55,8 @@ class QUARN_API ClassTag {
   int getId() const noexcept { return m_id; }
   /// The interned name (first spelling registered); null for the empty tag.
   char const *getName() const noexcept { return m_name; }
+  /// strlen(getName()), kept with the tag (0 for the empty tag).
+  unsigned int getNameLength() const noexcept { return m_length; }
   operator char const *() const noexcept { return m_name; }  // NOLINT(google-explicit-constructor)
   /// Case-sensitive 31-polynomial of the name's bytes (0 for a null or empty name).
   int getHash() const noexcept;
@@ -62,6 +67,12 @@ class QUARN_API ClassTag {
   static int getNumClassTags();
   /// Whether `name` (in any letter case) is interned already; interns nothing.
   static bool isInterned(char const *name);
+  /// One probe of the registry that interns nothing: when `name` (in any
+  /// letter case) is interned, sets `tag` to it and answers true; else false
+  /// and `tag` is left alone.
+  static bool lookup(char const *name, ClassTag &tag);
+  /// A number that changes whenever a class is bound to a tag or unbound.
+  static unsigned int getBindingGeneration() noexcept;
 
   /// The bound class or null; an id out of range (the empty tag too) throws InvalidIndexException.
   Class *findClass() const;
@@ -86,6 +97,7 @@ class QUARN_API ClassTag {
   void Init(char const *name);
 
   int m_id = -1;
+  unsigned int m_length = 0;
   char const *m_name = nullptr;
 };
 

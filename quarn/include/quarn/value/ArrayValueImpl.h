@@ -115,10 +115,13 @@ class QUARN_API ArrayValueImpl : public ArrayValue {
   T const &operator[](unsigned int i) const { return m_array[i]; }
   /// The element container, for reading.
   Array<T> const &getElements() const noexcept { return m_array; }
-  /// Replaces the elements with copies of `elements`.
-  void setElements(Array<T> const &elements) {
-    if (&elements != &m_array) m_array = elements;
-  }
+  /// Replaces the elements with copies of the `count` at `elements` (which
+  /// may point into this array), in the storage the array kept: no allocation
+  /// when its capacity (and, for strings, each string's) is large enough. A
+  /// failed allocation leaves the array valid, its elements partly replaced.
+  void setElements(T const *elements, unsigned int count);
+  /// Replaces the elements with copies of `elements`, as setElements(buffer, size) does.
+  void setElements(Array<T> const &elements) { setElements(elements.getBuffer(), elements.getSize()); }
   /// Replaces the elements with `elements`, taking over its buffer.
   void setElements(Array<T> &&elements) noexcept { m_array = static_cast<Array<T> &&>(elements); }
 

@@ -59,7 +59,8 @@
 // few words cut n to 32 * word count; the surplus bits are then cleared. So a
 // bitset read from any payload keeps every invariant, and nothing is allocated
 // for a bit count the payload does not back with words. A failed read leaves
-// the bitset as it was.
+// the bitset as it was. From a memory stream the words are found complete
+// first and then read into the storage the bitset kept.
 //
 // Failures: set, flip, setAll, flipAll, resize and the value-returning &, |, ^
 // annotate what passes through them ("BitsetValue::resize: Tessary exception
@@ -248,7 +249,9 @@ class QUARN_API BitsetValue : public ValueGlue<BitsetValue, Value> {
   unsigned int getBufferSize() const noexcept { return m_words.getSize() * 4u; }
   /// numBits bits holding `byteCount` bytes in memory order from the start of
   /// the words; bits the bytes do not reach are off, bytes beyond the words are
-  /// ignored and the surplus bits cleared. `bytes` may point into this bitset.
+  /// ignored and the surplus bits cleared. The words go into the storage the
+  /// bitset kept (no allocation when it is large enough). `bytes` may point
+  /// into this bitset.
   void setFromBuffer(char const *bytes, unsigned int byteCount, unsigned int numBits);
 
   // ---- lists of positions

@@ -34,6 +34,7 @@ class QUARN_API BooleanValue : public ValueGlue<BooleanValue, Value> {
     m_value = other.m_value;
     return *this;
   }
+  void setBoolean(bool value) noexcept { m_value = value; }
 
   unsigned int hash() const override;
   void serialize(iByteOutputStream &out) const override;

@@ -3,7 +3,8 @@
 // Each codec encodes one value into a buffer with room for kMax bytes (bytes
 // past the returned size are scratch, so that no branch depends on the size)
 // and decodes it from a buffer that holds size(header) bytes, or with
-// decodeWide from one that holds kMax bytes whatever the size. The byte
+// decodeWide from one that holds kMaxWire bytes (the longest form) whatever
+// the size. The byte
 // layouts are those written in ByteStream.h. The general stream operators and
 // the inline operators of the memory streams use these same functions, so
 // both paths produce the same bytes. Pure functions: no allocation, no
@@ -64,7 +65,8 @@ inline void putWord(unsigned char *p, std::uint64_t v) noexcept {
 /// int: -16..15 as one byte v*4; else 01 + 1 byte, 02 + 2 bytes or 03 + 4 bytes.
 struct IntCodec {
   using Type = int;
-  static constexpr unsigned int kMax = 8;  // 5 on the wire, one word stored
+  static constexpr unsigned int kMax = 8;      // 5 on the wire, one word stored
+  static constexpr unsigned int kMaxWire = 5;  // the most any value takes on the wire (decodeWide reads no more)
   static constexpr char const *kHeaderEof = "EOF reading int header";
   static unsigned int encode(int value, unsigned char *p) noexcept {
     auto u = static_cast<std::uint32_t>(value);
@@ -129,7 +131,8 @@ struct IntCodec {
 /// double: 0.0 and -0.0 -> 00, 1.0 -> 01, else 02 + the 8 IEEE bytes.
 struct DoubleCodec {
   using Type = double;
-  static constexpr unsigned int kMax = 16;  // 9 on the wire, two words stored
+  static constexpr unsigned int kMax = 16;     // 9 on the wire, two words stored
+  static constexpr unsigned int kMaxWire = 9;  // the most any value takes on the wire (decodeWide reads no more)
   static constexpr char const *kHeaderEof = "EOF reading byte";
   static unsigned int encode(double value, unsigned char *p) noexcept {
     // Classified on the bits, with no floating-point compare and no branch
@@ -165,6 +168,7 @@ template <class T, char const *Eof>
 struct OneByteCodec {
   using Type = T;
   static constexpr unsigned int kMax = 1;
+  static constexpr unsigned int kMaxWire = 1;
   static constexpr char const *kHeaderEof = Eof;
   static unsigned int encode(T value, unsigned char *p) noexcept {
     p[0] = static_cast<unsigned char>(value);

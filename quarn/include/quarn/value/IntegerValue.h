@@ -36,6 +36,7 @@ class QUARN_API IntegerValue : public ValueGlue<IntegerValue, Value> {
     m_value = other.m_value;
     return *this;
   }
+  void setInteger(int value) noexcept { m_value = value; }
   /// +=, -= and *= wrap around in 32 bits.
   IntegerValue &operator+=(int value) {
     m_value = static_cast<int>(static_cast<unsigned int>(m_value) + static_cast<unsigned int>(value));

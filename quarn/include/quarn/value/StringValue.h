@@ -63,6 +63,16 @@ class QUARN_API StringValue : public ValueGlue<StringValue, Value> {
     return *this;
   }
 
+  /// Replaces the text with the `length` units at `text` (a null `text` makes
+  /// it null), in the buffer the value kept: no allocation when it is large
+  /// enough, as for a pooled value reused. `text` may point into this text.
+  void setString(unsigned short const *text, unsigned int length) {
+    if (text)
+      m_text.assign(text, length);
+    else
+      m_text.setNull();
+  }
+
   /// The held text.
   BaseString<unsigned short> const &getString() const noexcept { return m_text; }
   BaseString<unsigned short> &getString() noexcept { return m_text; }

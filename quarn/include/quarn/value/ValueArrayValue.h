@@ -23,7 +23,12 @@
 //   04  01 1A  "Marlix.value.IntegerValue" (25 bytes)  1C
 // Reading makes each element by its class name (Class::getClassInstance: a
 // bound class, else the component library registered for the name) and lets
-// it read its payload. Nothing read is trusted: the count reserves nothing up
+// it read its payload. Each thread remembers the classes of the names it read
+// last, so a run of records with the same classes makes its elements without
+// the tag registry (no lock, no allocation); from a memory stream the names
+// are compared where they lie. The elements read go into the buffer the array
+// kept, so a pooled array reads without allocating. Writing takes each name
+// and its length from the element's tag. Nothing read is trusted: the count reserves nothing up
 // front, a class name must be 1 to kMaxClassNameLength bytes without a zero
 // byte, a name that no class serves fails as creation by name fails ("Class
 // %hs not registered."), an object that is not a value is handed back and
@@ -82,6 +87,9 @@ class QUARN_API ValueArrayValue : public ValueGlue<ValueArrayValue, ArrayValue> 
   /// fails (it is then handed back). A null `value` throws "ValueArrayValue
   /// cannot hold a null element".
   void appendValue(Value *value);
+  /// Appends the object `value` owns, which passes to the array (no copy):
+  /// `record.appendValue(ObjPtr<Value>(IntegerValue::newInstance()))`.
+  void appendValue(ObjPtr<Value> value) { appendValue(value.detach()); }
 
   // ---- Value's slots
 
