@@ -70,6 +70,7 @@
 #include <quarn/value/MissingValue.h>
 #include <quarn/value/NullArrayValue.h>
 #include <quarn/value/NullValue.h>
+#include <quarn/value/StreamLoadingPolicy.h>
 #include <quarn/value/StringArrayValue.h>
 #include <quarn/value/StringComparator.h>
 #include <quarn/value/StringFingerprintValue.h>

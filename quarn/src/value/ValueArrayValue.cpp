@@ -1,6 +1,5 @@
 // ValueArrayValue.cpp - owned elements of any class, their order, hash and named payload
 #include <quarn/core/Annotate.h>
-#include <quarn/core/CClassRegistryFile.h>
 #include <quarn/core/Class.h>
 #include <quarn/value/ByteStream.h>
 #include <quarn/value/NullValue.h>
@@ -14,6 +13,7 @@
 #include "ArrayCoding.h"
 #include "ElementArrays.h"
 #include "NarrowText.h"
+#include "StreamLoading.h"
 
 namespace quarn {
 
@@ -85,20 +85,6 @@ BaseString<char> readClassName(iByteInputStream &in, unsigned int index) {
   return name;
 }
 
-/// A new value of the class named `name`, made by name. A name that is
-/// neither known nor registered is refused before it is interned, so that
-/// hostile data cannot fill the tag registry with names.
-Value *makeByName(BaseString<char> const &name) {
-  if (!ClassTag::isInterned(name.getBuffer()) && !CClassRegistryFile::Exists(name.getBuffer())) [[unlikely]]
-    throw Exception("Class %hs not registered.", name.getBuffer());
-  ObjPtr<Object> made(Class::getClassInstance(ClassTag(name.getBuffer())));
-  auto *value = static_cast<Value *>(made->findAs(Value::Tag));
-  if (!value) [[unlikely]]
-    throw Exception("Class %hs is not a value", name.getBuffer());  // `made` is handed back
-  made.detach();
-  return value;
-}
-
 }  // namespace
 
 QUARN_DEFINE_VALUE_CLASS(ValueArrayValue);
@@ -162,7 +148,7 @@ void ValueArrayValue::deserialize(iByteInputStream &in) {
     read.values.reserve(std::min(n, detail::kElementChunk));
     for (unsigned int k = 0; k < n; ++k) {
       BaseString<char> name = readClassName(in, k);
-      Value *value = makeByName(name);
+      Value *value = detail::newValueNamedInStream(in, name.getBuffer());
       read.adopt(value);
       value->deserialize(in);
     }

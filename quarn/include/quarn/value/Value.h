@@ -45,6 +45,9 @@ class QUARN_API Value : public Object, public PooledObject {
   /// 8. Writes the payload; Value's own part writes nothing and every class calls it first.
   void serialize(iByteOutputStream &out) const override = 0;
   /// 9. Reads the payload; Value's own part reads nothing and every class calls it first.
+  /// Any bytes may arrive (see the file comment on untrusted input); a value
+  /// array may load the component library of a class it names, as the
+  /// StreamLoadingPolicy of `in` allows (StreamLoadingPolicy.h).
   void deserialize(iByteInputStream &in) override = 0;
   /// 10. Hands the instance back to its pool (or destroys it).
   void deleteInstance() override = 0;

@@ -21,13 +21,16 @@
 // as L = characters + 1 (0 for no name) as a stream int and the L - 1 bytes
 // without a terminator, then the element's own payload. One IntegerValue 7:
 //   04  01 1A  "Marlix.value.IntegerValue" (25 bytes)  1C
-// Reading makes each element by its class name (Class::getClassInstance: a
-// bound class, else the component library registered for the name) and lets
-// it read its payload. Nothing read is trusted: the count reserves nothing up
-// front, a class name must be 1 to kMaxClassNameLength bytes without a zero
-// byte, a name that no class serves fails as creation by name fails ("Class
-// %hs not registered."), an object that is not a value is handed back and
-// refused ("Class %hs is not a value"), and arrays nested more than
+// Reading makes each element by its class name (a bound class, else the
+// component library registered for the name, when the stream's
+// StreamLoadingPolicy lets it load) and lets it read its payload. Nothing read
+// is trusted: the count reserves nothing up front, a class name must be 1 to
+// kMaxClassNameLength bytes without a zero byte, a name that no class serves
+// fails as creation by name fails ("Class %hs not registered."), a library the
+// policy refuses is not loaded ("Class %hs is not loaded and this stream may
+// not load it"), a class that is not a value is refused ("Class %hs is not a
+// value": before anything is made when the class is bound, else the object the
+// library made is handed back), and arrays nested more than
 // kMaxNesting deep inside one another fail with "ValueArrayValue nesting
 // deeper than 64 levels". Every failure is annotated "ValueArrayValue::
 // deserialize: Tessary exception caught" (once per nesting level), hands back
