@@ -145,7 +145,7 @@ void ValueArrayValue::deserialize(iByteInputStream &in) {
       detail::failElementCount(count);
     auto const n = static_cast<unsigned int>(count);
     Gathered read;
-    read.values.reserve(std::min(n, detail::kElementChunk));
+    read.values.reserve(std::min(n, 64u));  // little ahead: arrays nest, and each level's count is unproven
     for (unsigned int k = 0; k < n; ++k) {
       BaseString<char> name = readClassName(in, k);
       Value *value = detail::newValueNamedInStream(in, name.getBuffer());
