@@ -33,11 +33,16 @@ bool heapCounting() noexcept { return g_counting.load(); }
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 
-#include <sanitizer/allocator_interface.h>
+// The sanitizers' allocator interface (not every compiler ships its header).
+extern "C" {
+int __sanitizer_install_malloc_and_free_hooks(void (*onMalloc)(void const volatile *, std::size_t),
+                                              void (*onFree)(void const volatile *));
+std::size_t __sanitizer_get_allocated_size(void const volatile *p);
+}
 
 namespace {
 void onMalloc(void const volatile *, std::size_t size) { added(size); }
-void onFree(void const volatile *p) { removed(__sanitizer_get_allocated_size(const_cast<void const *>(p))); }
+void onFree(void const volatile *p) { removed(__sanitizer_get_allocated_size(p)); }
 int const g_hooks = __sanitizer_install_malloc_and_free_hooks(onMalloc, onFree);
 }  // namespace
 
