@@ -28,12 +28,30 @@ Value *make() {
 
 /// Every value class, by number.
 inline constexpr Maker kClasses[] = {
-    make<IntegerValue>,          make<DoubleValue>,         make<BooleanValue>,      make<StringValue>,
-    make<NullValue>,             make<MissingValue>,        make<IntegerArrayValue>, make<DoubleArrayValue>,
-    make<StringArrayValue>,      make<BooleanArrayValue>,   make<ByteArrayValue>,    make<IntegerFingerprintValue>,
-    make<DoubleFingerprintValue>, make<StringFingerprintValue>, make<BitsetValue>,   make<BitsetValue2D>,
-    make<BitsetValue3D>,         make<BitFingerprintValue>, make<BitsetArrayValue>,  make<BitFingerprintArrayValue>,
-    make<FlexValue>,             make<FlexArrayValue>,      make<ValueArrayValue>,   make<NullArrayValue>,
+    make<IntegerValue>,
+    make<DoubleValue>,
+    make<BooleanValue>,
+    make<StringValue>,
+    make<NullValue>,
+    make<MissingValue>,
+    make<IntegerArrayValue>,
+    make<DoubleArrayValue>,
+    make<StringArrayValue>,
+    make<BooleanArrayValue>,
+    make<ByteArrayValue>,
+    make<IntegerFingerprintValue>,
+    make<DoubleFingerprintValue>,
+    make<StringFingerprintValue>,
+    make<BitsetValue>,
+    make<BitsetValue2D>,
+    make<BitsetValue3D>,
+    make<BitFingerprintValue>,
+    make<BitsetArrayValue>,
+    make<BitFingerprintArrayValue>,
+    make<FlexValue>,
+    make<FlexArrayValue>,
+    make<ValueArrayValue>,
+    make<NullArrayValue>,
 };
 inline constexpr unsigned kClassCount = sizeof kClasses / sizeof kClasses[0];
 

@@ -110,7 +110,8 @@ int main(int argc, char **argv) {
   seed("textutil", 1, unitsOf(mixed));
   seed("textutil", 2, Bytes(utf8.getBuffer(), utf8.getBuffer() + utf8.getLength()));
   seed("textutil", 3, unitsOf(base64));
-  seed("textutil", 4, Bytes(reinterpret_cast<unsigned char const *>(&pi), reinterpret_cast<unsigned char const *>(&pi) + 8));
+  seed("textutil", 4,
+       Bytes(reinterpret_cast<unsigned char const *>(&pi), reinterpret_cast<unsigned char const *>(&pi) + 8));
 
   ::mkdir(CClassRegistryFile::GetClassesDirectory().getBuffer(), 0777);
   CZedClassInfo const info("Marlix.fuzz.Seed", "A class & its <library>", "/opt/app/libseed.so", true);

@@ -123,11 +123,21 @@ extern "C" int LLVMFuzzerTestOneInput(unsigned char const *data, std::size_t siz
   std::size_t const length = size - 1;
   try {
     switch (data[0] % 5) {
-      case 0: numbers(input, length); break;
-      case 1: utf16(input, length); break;
-      case 2: utf8(input, length); break;
-      case 3: base64(input, length); break;
-      default: doubles(input, length); break;
+      case 0:
+        numbers(input, length);
+        break;
+      case 1:
+        utf16(input, length);
+        break;
+      case 2:
+        utf8(input, length);
+        break;
+      case 3:
+        base64(input, length);
+        break;
+      default:
+        doubles(input, length);
+        break;
     }
   } catch (quarn::Exception const &) {
   }

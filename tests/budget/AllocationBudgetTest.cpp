@@ -62,8 +62,15 @@ std::vector<Hostile> hostilePayloads() {
 
 /// Texts whose numbers ask for far more than they carry.
 std::vector<std::u16string> hostileTexts() {
-  return {u"2147483647", u"2147483647 2147483647", u"10000000", u"10000000 1", u"1;2;3;4;5;6;7;8;9;10000000",
-          std::u16string(4096, u'9'), u"1e308", u"\"a\",\"b\"", u"AAAA"};
+  return {u"2147483647",
+          u"2147483647 2147483647",
+          u"10000000",
+          u"10000000 1",
+          u"1;2;3;4;5;6;7;8;9;10000000",
+          std::u16string(4096, u'9'),
+          u"1e308",
+          u"\"a\",\"b\"",
+          u"AAAA"};
 }
 
 /// The peak of one read of `bytes` above what was live before it; `consumed` the bytes it took.
@@ -84,12 +91,12 @@ long long measureRead(Value &target, Bytes const &bytes, int version, bool memor
 template <class T>
 class AllocationBudgetTest : public ::testing::Test {};
 
-using ValueClasses = ::testing::Types<IntegerValue, DoubleValue, BooleanValue, StringValue, NullValue, MissingValue,
-                                      IntegerArrayValue, DoubleArrayValue, StringArrayValue, BooleanArrayValue,
-                                      ByteArrayValue, IntegerFingerprintValue, DoubleFingerprintValue,
-                                      StringFingerprintValue, BitsetValue, BitsetValue2D, BitsetValue3D,
-                                      BitFingerprintValue, BitsetArrayValue, BitFingerprintArrayValue, FlexValue,
-                                      FlexArrayValue, ValueArrayValue, NullArrayValue>;
+using ValueClasses =
+    ::testing::Types<IntegerValue, DoubleValue, BooleanValue, StringValue, NullValue, MissingValue, IntegerArrayValue,
+                     DoubleArrayValue, StringArrayValue, BooleanArrayValue, ByteArrayValue, IntegerFingerprintValue,
+                     DoubleFingerprintValue, StringFingerprintValue, BitsetValue, BitsetValue2D, BitsetValue3D,
+                     BitFingerprintValue, BitsetArrayValue, BitFingerprintArrayValue, FlexValue, FlexArrayValue,
+                     ValueArrayValue, NullArrayValue>;
 TYPED_TEST_SUITE(AllocationBudgetTest, ValueClasses);
 
 TYPED_TEST(AllocationBudgetTest, AHostilePayloadCostsAtMostTheBudgetOfTheBytesItConsumed) {

@@ -33,7 +33,6 @@ std::string arrayNaming(std::string const &name) {
   return std::string(reinterpret_cast<char const *>(out.getBuffer()), out.getSize());
 }
 
-
 /// Restores the process policy when the test ends.
 struct ProcessPolicyGuard {
   ~ProcessPolicyGuard() { StreamLoadingPolicy::setProcessPolicy(StreamLoadingPolicy::allowAll()); }
@@ -44,8 +43,7 @@ TEST(StreamLoadingPolicyTest, ALibraryLoadsOnlyWhenTheReadersPolicyAllowsItAndBo
   ASSERT_TRUE(StreamLoadingPolicy::processPolicy().allows("Marlix.anything"));  // the default
   quarn::test::ScratchClass scratch("Marlix.testlib.any.");
   scratch.registerTo(QUARN_TEST_COMPONENTS);
-  std::string const refused =
-      "Class " + scratch.name() + " is not loaded and this stream may not load it";
+  std::string const refused = "Class " + scratch.name() + " is not loaded and this stream may not load it";
   std::string const notAValue = "Class " + scratch.name() + " is not a value";
   ProcessPolicyGuard guard;
   // In order: every refusal comes before the one read that loads the library.
@@ -56,8 +54,11 @@ TEST(StreamLoadingPolicyTest, ALibraryLoadsOnlyWhenTheReadersPolicyAllowsItAndBo
     std::string message;
   } const cases[] = {
       {"forbidden for this stream", StreamLoadingPolicy::forbidAll(), {}, false, refused},
-      {"other prefixes only", StreamLoadingPolicy::allowPrefixes({"Marlix.other.", "Marlix.testlib.anyX"}), {},
-       false, refused},
+      {"other prefixes only",
+       StreamLoadingPolicy::allowPrefixes({"Marlix.other.", "Marlix.testlib.anyX"}),
+       {},
+       false,
+       refused},
       {"forbidden process-wide", {}, StreamLoadingPolicy::forbidAll(), false, refused},
       {"allowed for another stream only", StreamLoadingPolicy::allowAll(), StreamLoadingPolicy::forbidAll(), true,
        refused},
@@ -90,8 +91,9 @@ TEST(StreamLoadingPolicyTest, ALibraryLoadsOnlyWhenTheReadersPolicyAllowsItAndBo
   EXPECT_EQ(read.getIthInteger(0), 7);
   std::string const widget = arrayNaming("Marlix.testlib.Widget");
   quarn::MemoryInputStream widgetIn(widget.data(), static_cast<unsigned int>(widget.size()));
-  EXPECT_QUARN_THROW(read.deserialize(widgetIn),
-                     "Class Marlix.testlib.Widget is not a value\nValueArrayValue::deserialize: Tessary exception caught");
+  EXPECT_QUARN_THROW(
+      read.deserialize(widgetIn),
+      "Class Marlix.testlib.Widget is not a value\nValueArrayValue::deserialize: Tessary exception caught");
 }
 
 }  // namespace

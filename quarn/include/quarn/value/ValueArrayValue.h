@@ -24,17 +24,17 @@
 // Reading makes each element by its class name (a bound class, else the
 // component library registered for the name, when the stream's
 // StreamLoadingPolicy lets it load) and lets it read its payload. Nothing read
-// is trusted: the count reserves nothing up front, a class name must be 1 to
-// kMaxClassNameLength bytes without a zero byte, a name that no class serves
-// fails as creation by name fails ("Class %hs not registered."), a library the
-// policy refuses is not loaded ("Class %hs is not loaded and this stream may
-// not load it"), a class that is not a value is refused ("Class %hs is not a
-// value": before anything is made when the class is bound, else the object the
-// library made is handed back), and arrays nested more than
-// kMaxNesting deep inside one another fail with "ValueArrayValue nesting
-// deeper than 64 levels". Every failure is annotated "ValueArrayValue::
-// deserialize: Tessary exception caught" (once per nesting level), hands back
-// the elements made so far and leaves the array as it was.
+// is trusted: the count reserves room for at most 64 elements up front, a
+// class name must be 1 to kMaxClassNameLength bytes without a zero byte, a
+// name that no class serves fails as creation by name fails ("Class %hs not
+// registered."), a library the policy refuses is not loaded ("Class %hs is not
+// loaded and this stream may not load it"), a class that is not a value is
+// refused ("Class %hs is not a value": before anything is made when the class
+// is bound, else the object the library made is handed back), and arrays
+// nested more than kMaxNesting deep inside one another fail with
+// "ValueArrayValue nesting deeper than 64 levels". Every failure is annotated
+// "ValueArrayValue::deserialize: Tessary exception caught" (once per nesting
+// level), hands back the elements made so far and leaves the array as it was.
 //
 // Indices at or beyond the count throw InvalidIndexException(index, count - 1).
 // A pooled array comes back empty; when returned it hands back its elements
