@@ -18,11 +18,14 @@ function(quarn_library target)
   # Inline variables (ours and the standard library's) would otherwise become
   # process-unique symbols, and the loader never unloads a library that holds
   # one: both libraries must be able to leave a process that loaded them with dlopen.
-  target_compile_options(${target} PRIVATE -fno-gnu-unique)
+  # (GCC's option; clang makes no such symbols and does not know it.)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    target_compile_options(${target} PRIVATE -fno-gnu-unique)
+  endif()
   # Installed, each library finds its siblings (libquarn -> libquarnCore) beside itself.
   set_target_properties(${target} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
                                              INSTALL_RPATH "$ORIGIN")
-  if(NOT QUARN_SANITIZE)
+  if(NOT QUARN_SANITIZE AND NOT QUARN_TSAN AND NOT QUARN_BUILD_FUZZERS)
     target_link_options(${target} PRIVATE -Wl,-z,defs)
   endif()
 endfunction()

@@ -196,6 +196,8 @@ TEST(RegistrationFileTest, TextsThatCannotBeReadBackOrFilesThatCannotBeCreatedAr
   struct Case { CZedClassInfo info; char const *field; } const cases[] = {
       {{"", "bell\a", "/lib/x.so"}, "description"}, {{"", "ok", "/lib/\xFF.so"}, "library path"},
       {{"", "caf\xC3", "/lib/x.so"}, "description"},
+      {{"", "end \xEF\xBF\xBE", "/lib/x.so"}, "description"},  // U+FFFE, which XML refuses
+      {{"", "ok", "/lib/\xEF\xBF\xBF.so"}, "library path"},      // U+FFFF
   };
   // clang-format on
   for (Case const &c : cases) {
@@ -207,6 +209,14 @@ TEST(RegistrationFileTest, TextsThatCannotBeReadBackOrFilesThatCannotBeCreatedAr
                            " is not UTF-8 text without control characters.\n"
                            "CClassRegistryFile::ExportDataFile: Tessary exception caught");
     EXPECT_FALSE(quarn::test::exists(scratch.path()));
+  }
+  {  // the neighbours of the refused characters are written and read back as they are
+    ScratchClass scratch;
+    CZedClassInfo info(scratch.c_str(), "\xEF\xBF\xBD \xF0\x90\x80\x80 \xC2\x85", "/lib/\xEE\x80\x80.so");
+    CClassRegistryFile::ExportDataFile(info);
+    CZedClassInfo back;
+    CClassRegistryFile::ImportDataFile(ClassTag(scratch.c_str()), back);
+    EXPECT_EQ(back, info);
   }
   ScratchClass scratch("Marlix.test.", "." + std::string(300, 'x'));  // longer than a file name may be
   EXPECT_QUARN_THROW(CClassRegistryFile::ExportDataFile(CZedClassInfo(scratch.c_str(), "", "/lib/x.so")),

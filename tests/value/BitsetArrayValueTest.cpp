@@ -157,6 +157,11 @@ TEST(BitsetArrayValueTest, EditsCoercionsAndTextsWorkOnWholeBitsets) {
   EXPECT_FALSE(a.hasXMLText());
   a.fillFromString(u16(u"1 3; 2;"), ';', true);
   EXPECT_EQ(texts(a), (Texts{u"1 3", u"2"}));
+  EXPECT_QUARN_THROW(a.fillFromString(u16(u"1;2147483647"), ';', true),  // ten characters, 256 MB of words
+                     "Cannot convert StringValues containing numbers greater than 10,000,000 to a BitsetValue\n"
+                     "BitsetArrayValue::appendValue: Tessary exception caught\n"
+                     "ArrayValue::fillFromString: Tessary exception caught");
+  EXPECT_EQ(texts(a), (Texts{u"1"}));  // the fields before the refused one
 }
 
 TEST(BitsetArrayValueTest, PayloadIsTheCountThenEachBitsetsOwnPayload) {

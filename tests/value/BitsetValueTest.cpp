@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <quarn/value/BitsetValue.h>
 #include <quarn/value/IntegerValue.h>
+#include <quarn/value/StringValue.h>
 
 #include <climits>
 #include <random>
@@ -262,6 +263,39 @@ TEST(BitsetValueTest, TextIsReadLeniently) {
   b.setFromString(WString());
   EXPECT_EQ(b.getNumBits(), 3u);
   EXPECT_TRUE(b.isEmpty());
+}
+
+// Ten characters of text once asked for 2^31 - 1 bits; text now grows a bitset no further than integers may.
+TEST(BitsetValueTest, TextGrowsABitsetToTenMillionBitsAndNoFurther) {
+  std::string const refusal =
+      "Cannot convert StringValues containing numbers greater than 10,000,000 to a BitsetValue";
+  // clang-format off
+  struct Case { bool xml; std::u16string text; unsigned int before, n; bool refused; } const cases[] = {
+      {true, u"2147483647", 0, 0, true}, {true, u"10000001", 0, 0, true}, {true, u"10000001 1", 0, 0, true},
+      {true, u"5 10000001", 0, 0, true}, {false, u"10000001", 0, 0, true}, {false, u"1 2147483647", 0, 0, true},
+      {true, u"10000000", 0, 10000000, false}, {true, u"10000000 1", 0, 10000000, false},
+      {false, u"10000000", 0, 10000000, false}, {false, u"10000002", 10000002, 10000002, false},
+      {true, u"10000002 1", 10000002, 10000002, false},
+  };
+  // clang-format on
+  for (auto const &c : cases) {
+    SCOPED_TRACE(utf8(u16(c.text)));
+    BitsetValue b = bits(c.before + 4, {1});
+    b.resize(c.before);
+    if (c.before == 0) b = bits(4, {1});
+    BitsetValue const was = b;
+    auto read = [&] { c.xml ? b.setFromXMLText(u16(c.text), WString()) : b.setFromString(u16(c.text)); };
+    if (c.refused) {
+      EXPECT_QUARN_THROW(read(), refusal);
+      EXPECT_TRUE(b == was);
+    } else {
+      read();
+      EXPECT_EQ(b.getNumBits(), c.n);
+    }
+  }
+  BitsetValue b = bits(4, {1});
+  EXPECT_QUARN_THROW(StringValue("2147483647").assignTo(b), refusal);
+  EXPECT_TRUE(b == bits(4, {1}));
 }
 
 TEST(BitsetValueTest, ListsAndBuffersFillTheBits) {

@@ -1,6 +1,7 @@
 // ByteArrayValueTest.cpp - the Base64 XML text, byte rules and pool bounds of the byte array
 #include <quarn/value/ByteArrayValue.h>
 #include <quarn/value/IntegerValue.h>
+#include <quarn/value/MemoryStream.h>
 
 #include <gtest/gtest.h>
 
@@ -65,6 +66,18 @@ TEST(ByteArrayValueTest, BytesTakeTheLowEightBitsAndOrderUnsigned) {
   EXPECT_EQ(a.getIthInteger(2), 44);
   EXPECT_EQ(arrayOf<ByteArrayValue>({255}).compare(arrayOf<ByteArrayValue>({1})), 1);
   expectPayload(arrayOf<ByteArrayValue>({1, 255}), "08 01 FF");
+}
+
+// The payload 00 from a memory stream once copied zero bytes to a null buffer (seen under UBSan).
+TEST(ByteArrayValueTest, AnEmptyPayloadFromMemoryReadsAsNoBytes) {
+  unsigned char const payload[] = {0x00, 0x2A};
+  for (int version : {1, 2}) {
+    MemoryInputStream in(payload, 1, version);
+    ByteArrayValue read = bytesFrom("old");
+    read.deserialize(in);
+    EXPECT_EQ(read.getSize(), 0u);
+    EXPECT_EQ(in.getPosition(), 1u);
+  }
 }
 
 TEST(ByteArrayValueTest, ThePoolKeepsReleasedInstancesOnlyWhileFewerThanFiftyAreOut) {

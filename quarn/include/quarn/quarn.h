@@ -86,6 +86,8 @@
 #include <quarn/value/RecordFile.h>
 #include <quarn/value/RecordFileReader.h>
 #include <quarn/value/RecordFileWriter.h>
+
+#include <quarn/value/StreamLoadingPolicy.h>
 #include <quarn/value/StringArrayValue.h>
 #include <quarn/value/StringComparator.h>
 #include <quarn/value/StringFingerprintValue.h>

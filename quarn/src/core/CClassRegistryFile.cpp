@@ -82,7 +82,8 @@ BaseString<char> basePath(ClassTag const &tag, bool writing = false) { return ba
 
 // ---- writing
 
-// True when `text` is UTF-8 without control characters other than TAB, LF and CR.
+// True when `text` is UTF-8 that an XML file can hold: no control characters
+// other than TAB, LF and CR, and neither U+FFFE nor U+FFFF.
 bool isWritableText(BaseString<char> const &text) {
   for (unsigned int i = 0; i < text.getLength(); ++i) {
     auto c = static_cast<unsigned char>(text.getBuffer()[i]);
@@ -90,7 +91,11 @@ bool isWritableText(BaseString<char> const &text) {
   }
   BaseString<unsigned short> units;
   util::ConvertUTF8toString(units, text);
-  return util::ConvertStringtoUTF8(units) == text;  // invalid sequences come back as U+FFFD
+  if (util::ConvertStringtoUTF8(units) != text) return false;  // invalid sequences come back as U+FFFD
+  // Valid UTF-8 holds only paired surrogates; of the rest, XML refuses U+FFFE and U+FFFF.
+  for (unsigned int i = 0; i < units.getLength(); ++i)
+    if (units.getBuffer()[i] >= 0xFFFE) return false;
+  return true;
 }
 
 void appendEscaped(BaseString<char> &out, BaseString<char> const &text) {

@@ -79,7 +79,7 @@ void DataRecord::deserialize(iByteInputStream &in) {
       std::uint32_t const hash = detail::PropertyTable::hashName(name.getBuffer(), name.getLength());
       if (read.find(name.getBuffer(), name.getLength(), hash)) [[unlikely]]
         throw Exception("DataRecord property %u repeats the name %ls", k, name.getBuffer());
-      ObjPtr<Value> value(detail::makeByName(detail::readClassName(in, k, "DataRecord property")));
+      ObjPtr<Value> value(detail::makeByName(in, detail::readClassName(in, k, "DataRecord property")));
       value->deserialize(in);
       Property *property = Property::make(std::move(name), value.detach());
       try {

@@ -151,7 +151,7 @@ void readElements(iByteInputStream &in, Array<typename Codec::Type> &out, unsign
     if (left < count) runShort(end);
     out.resize(count);
     if constexpr (std::is_same_v<T, unsigned char>) {
-      std::memcpy(out.getBuffer(), begin, count);
+      if (count) std::memcpy(out.getBuffer(), begin, count);  // an empty array has no buffer
     } else {
       for (unsigned int i = 0; i < count; ++i) out.getBuffer()[i] = Codec::decode(begin + i);
     }

@@ -46,7 +46,7 @@ namespace quarn {
 namespace {
 
 /// The largest position an integer list may make a bitset grow to.
-constexpr int kMaxPositionsBits = 10000000;
+constexpr int kMaxPositionsBits = static_cast<int>(BitsetValue::kMaxGrowBits);
 
 template <class T>
 concept Bitset = std::derived_from<T, BitsetValue>;

@@ -5,6 +5,7 @@
 #include <quarn/core/Annotate.h>
 #include <quarn/value/BitsetValue.h>
 #include <quarn/value/ByteStream.h>
+#include <quarnCore/Exception.h>
 #include <quarnCore/TextUtil.h>
 #include <quarnCore/Throw.h>
 
@@ -55,6 +56,14 @@ void forEachOn(Array<unsigned int> const &words, unsigned int numBits, F &&f) {
       bits &= bits - 1u;
     }
   }
+}
+
+/// Refuses a text that would grow a bitset of class `tag` beyond kMaxGrowBits.
+[[noreturn, gnu::cold]] void failTextTooLarge(ClassTag const &tag) {
+  char const *name = tag.getName();
+  char const *dot = std::strrchr(name, '.');
+  throw Exception("Cannot convert StringValues containing numbers greater than 10,000,000 to a %hs",
+                  dot ? dot + 1 : name);
 }
 
 /// Appends `number` in decimal.
@@ -373,10 +382,21 @@ void BitsetValue::getArrayZeroBased(Array<int> &out) const {
   forEachOn(m_words, m_numBits, [&](unsigned int position) { out.append(static_cast<int>(position)); });
 }
 
-void BitsetValue::readPositions(unsigned short const *text) {
+unsigned int BitsetValue::largestPosition(unsigned short const *text) {
   int largest = 0;
   forEachInteger(text, [&](int value) { largest = std::max(largest, value); });
-  if (static_cast<unsigned int>(largest) > m_numBits) resize(static_cast<unsigned int>(largest));
+  return static_cast<unsigned int>(largest);
+}
+
+void BitsetValue::checkTextGrowth(unsigned int numBits) const {
+  if (numBits > kMaxGrowBits && numBits > m_numBits) [[unlikely]]
+    failTextTooLarge(getClassTag());
+}
+
+void BitsetValue::readPositions(unsigned short const *text) {
+  unsigned int const largest = largestPosition(text);
+  checkTextGrowth(largest);
+  if (largest > m_numBits) resize(largest);
   setAll(false);
   forEachInteger(text, [&](int value) {
     if (value >= 1) TurnOnBit(static_cast<unsigned int>(value - 1));
@@ -530,19 +550,23 @@ bool BitsetValue::getXMLText(BaseString<unsigned short> &text, BaseString<unsign
 }
 
 void BitsetValue::setFromXMLText(BaseString<unsigned short> const &text, BaseString<unsigned short> const &) {
-  setAll(false);
   unsigned short const *units = text.getBuffer();
   unsigned int const length = text.getLength();
   unsigned int space = 0;
   while (space < length && units[space] != ' ') ++space;
   if (space == length) {  // no space: positions only
+    checkTextGrowth(largestPosition(units));
+    setAll(false);
     readPositions(units);
     return;
   }
   BaseString<unsigned short> count(units, space);
   unsigned short const *end = nullptr;
-  int numBits = util::stringToInteger(count, &end);
-  resize(numBits > 0 ? static_cast<unsigned int>(numBits) : 0u);
+  int const numBits = util::stringToInteger(count, &end);
+  unsigned int const n = numBits > 0 ? static_cast<unsigned int>(numBits) : 0u;
+  checkTextGrowth(std::max(n, largestPosition(units + space + 1)));  // before anything changes
+  setAll(false);
+  resize(n);
   readPositions(units + space + 1);
 }
 

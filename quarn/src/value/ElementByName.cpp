@@ -5,6 +5,7 @@
 #include <quarn/core/Class.h>
 #include <quarn/core/Ptr.h>
 #include <quarn/core/iDataRecord.h>
+#include <quarn/value/StreamLoadingPolicy.h>
 #include <quarn/value/ValueArrayValue.h>
 #include <quarnCore/Exception.h>
 
@@ -36,18 +37,30 @@ BaseString<char> readClassName(iByteInputStream &in, unsigned int index, char co
 
 namespace {
 
-/// An object of the class named `name`; refused before the name is interned
-/// when no class serves it.
-Object *makeKnown(BaseString<char> const &name) {
-  if (!ClassTag::isInterned(name.getBuffer()) && !CClassRegistryFile::Exists(name.getBuffer())) [[unlikely]]
-    throw Exception("Class %hs not registered.", name.getBuffer());
-  return Class::getClassInstance(ClassTag(name.getBuffer()));
+/// An object of the class named `name` read from `in`, made as makeByName
+/// says; `wanted` tells whether a bound class's instances may be made.
+Object *makeKnown(iByteInputStream const &in, char const *name, bool (*wanted)(Class const &)) {
+  Class const *bound = ClassTag::isInterned(name) ? ClassTag(name).findClass() : nullptr;
+  if (bound) {
+    if (!wanted(*bound)) [[unlikely]]
+      throw Exception("Class %hs is not a value", name);
+    Object *made = bound->newInstance();
+    if (!made) [[unlikely]]
+      throw Exception("Class %hs not registered.", name);
+    return made;
+  }
+  // Refused before the name is interned, so that hostile data cannot fill the tag registry.
+  if (!CClassRegistryFile::Exists(name)) [[unlikely]]
+    throw Exception("Class %hs not registered.", name);
+  if (!StreamLoadingScope::allows(in, name)) [[unlikely]]
+    throw Exception("Class %hs is not loaded and this stream may not load it", name);
+  return Class::getClassInstance(ClassTag(name));
 }
 
 }  // namespace
 
-Value *makeByName(BaseString<char> const &name) {
-  ObjPtr<Object> made(makeKnown(name));
+Value *makeByName(iByteInputStream const &in, BaseString<char> const &name) {
+  ObjPtr<Object> made(makeKnown(in, name.getBuffer(), [](Class const &c) { return c.makesValues(); }));
   auto *value = static_cast<Value *>(made->findAs(Value::Tag));
   if (!value) [[unlikely]]
     throw Exception("Class %hs is not a value", name.getBuffer());  // `made` is handed back
@@ -55,8 +68,9 @@ Value *makeByName(BaseString<char> const &name) {
   return value;
 }
 
-Object *makeRecordByName(BaseString<char> const &name) {
-  ObjPtr<Object> made(makeKnown(name));
+Object *makeRecordByName(iByteInputStream const &in, BaseString<char> const &name) {
+  // Data records are counted objects, not values: any bound class may be made and asked.
+  ObjPtr<Object> made(makeKnown(in, name.getBuffer(), [](Class const &) { return true; }));
   if (!made->findAs(Value::Tag) && !made->findAs(iDataRecord::Tag)) [[unlikely]]
     throw Exception("Class %hs is neither a value nor a data record", name.getBuffer());
   return made.detach();

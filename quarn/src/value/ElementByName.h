@@ -22,14 +22,19 @@ namespace quarn::detail {
 /// name with a zero byte".
 BaseString<char> readClassName(iByteInputStream &in, unsigned int index, char const *what);
 
-/// A new value (count of its own, owned by the caller) of the class named
-/// `name`: "Class %hs not registered." when no class serves the name, "Class
-/// %hs is not a value" when its object is not a value.
-Value *makeByName(BaseString<char> const &name);
+/// A new value (owned by the caller) of the class named `name`, read from
+/// `in`: a bound class if there is one (refused before anything is made
+/// unless it makes values: "Class %hs is not a value"), else the component
+/// library registered for the name if the loading policy of `in` allows it
+/// (StreamLoadingPolicy.h: "Class %hs is not loaded and this stream may not
+/// load it"); "Class %hs not registered." when no class serves the name, and
+/// nothing interned then. An object a library made that is not a value is
+/// handed back and refused.
+Value *makeByName(iByteInputStream const &in, BaseString<char> const &name);
 
 /// As makeByName, but also a data record (an object that answers
 /// iDataRecord), with a count of 0 and owned by the caller: what a record file
 /// may hold. Anything else: "Class %hs is neither a value nor a data record".
-Object *makeRecordByName(BaseString<char> const &name);
+Object *makeRecordByName(iByteInputStream const &in, BaseString<char> const &name);
 
 }  // namespace quarn::detail

@@ -38,7 +38,7 @@ constexpr std::size_t kSearchChunk = 4096;
 template <class Into>
 void decodeRecord(unsigned char const *payload, std::uint32_t size, int version, Into into) {
   MemoryInputStream in(payload, size, version);
-  Object &record = into(detail::readClassName(in, 0, nullptr));
+  Object &record = into(in, detail::readClassName(in, 0, nullptr));
   record.deserialize(in);
   if (in.getRemaining() != 0) throw Exception("the value read %u of its %u bytes", in.getPosition(), size);
 }
@@ -258,21 +258,21 @@ bool RecordFileReader::nextInto(Into into) {
 }
 
 bool RecordFileReader::next(ObjPtr<Value> &record) {
-  return nextInto([&](BaseString<char> const &name) -> Object & {
-    record.reset(detail::makeByName(name));
+  return nextInto([&](iByteInputStream const &in, BaseString<char> const &name) -> Object & {
+    record.reset(detail::makeByName(in, name));
     return *record;
   });
 }
 
 bool RecordFileReader::next(ObjPtr<Object> &record) {
-  return nextInto([&](BaseString<char> const &name) -> Object & {
-    record.reset(detail::makeRecordByName(name));
+  return nextInto([&](iByteInputStream const &in, BaseString<char> const &name) -> Object & {
+    record.reset(detail::makeRecordByName(in, name));
     return *record;
   });
 }
 
 bool RecordFileReader::next(Object &record) {
-  return nextInto([&](BaseString<char> const &name) -> Object & {
+  return nextInto([&](iByteInputStream const &, BaseString<char> const &name) -> Object & {
     char const *mine = record.getClassTag().getName();
     if (!ClassTag::isInterned(name.getBuffer()) || ClassTag(name.getBuffer()).getId() != record.getClassTag().getId())
       throw Exception("the record holds a %hs, not a %hs", name.getBuffer(), mine);

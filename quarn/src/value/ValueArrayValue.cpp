@@ -6,6 +6,7 @@
 #include <quarn/value/ByteStream.h>
 #include <quarn/value/MemoryStream.h>
 #include <quarn/value/NullValue.h>
+#include <quarn/value/StreamLoadingPolicy.h>
 #include <quarn/value/ValueArrayValue.h>
 #include <quarnCore/Exception.h>
 
@@ -81,6 +82,7 @@ constinit thread_local detail::ClassNameMemo t_names;
 /// this thread (one look-up of the thread-local) and the binding generation
 /// when the reading began.
 struct NameContext {
+  iByteInputStream const &in;  // whose loading policy decides whether a library may load
   detail::ClassNameMemo &memo = t_names;
   unsigned int generation = ClassTag::getBindingGeneration();
 };
@@ -123,6 +125,8 @@ Value *asValue(Object *made, char const *bytes, unsigned int length) {
   bool const interned = ClassTag::lookup(name, tag);
   if (interned) {
     if (Class const *c = tag.findClass()) {
+      if (!c->makesValues()) [[unlikely]]
+        throw Exception("Class %hs is not a value", name);
       Object *made = c->newInstance();
       if (!made) [[unlikely]]
         failNotRegistered(tag.getName());
@@ -132,9 +136,11 @@ Value *asValue(Object *made, char const *bytes, unsigned int length) {
         names.memo.remember(tag.getName(), length, names.generation, c);
       return value;
     }
-  } else if (!CClassRegistryFile::Exists(name)) [[unlikely]] {
-    failNotRegistered(name);
   }
+  if (!interned && !CClassRegistryFile::Exists(name)) [[unlikely]]
+    failNotRegistered(name);
+  if (!StreamLoadingScope::allows(names.in, name)) [[unlikely]]
+    throw Exception("Class %hs is not loaded and this stream may not load it", name);
   return asValue(Class::getClassInstance(interned ? tag : ClassTag(name)), bytes, length);
 }
 
@@ -304,9 +310,9 @@ void ValueArrayValue::deserialize(iByteInputStream &in) {
     // The elements read go after those the array holds, in the buffer it
     // keeps; the old ones are handed back only once every new one is in.
     ReadTail read(m_array);
-    m_array.reserve(m_array.getSize() + std::min(n, detail::kElementChunk));
+    m_array.reserve(m_array.getSize() + std::min(n, 64u));  // little ahead: arrays nest, and each count is unproven
     MemoryInputStream *memory = detail::asMemoryStream(in);
-    NameContext const names;
+    NameContext const names{in};
     for (unsigned int k = 0; k < n; ++k) {
       Value *value = readElementClass(in, memory, k, names);
       read.append(value);

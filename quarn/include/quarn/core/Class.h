@@ -10,6 +10,7 @@
 #pragma once
 
 #include <atomic>
+#include <type_traits>
 
 #include <quarn/core/ClassTag.h>
 #include <quarn/core/Export.h>
@@ -19,6 +20,7 @@
 namespace quarn {
 
 class Object;
+class Value;
 
 class QUARN_API Class {
  public:
@@ -32,6 +34,9 @@ class QUARN_API Class {
   /// leaves the fourth as the caller set it, and returns false: no pool report.
   virtual bool getPoolDebugInfo(BaseString<unsigned short> &name, int &, int &, int &, int &) const;
 
+  /// Whether the instances are values (of Value's family), known without making one.
+  bool makesValues() const noexcept { return m_makesValues; }
+
  protected:
   Class() = default;
   virtual ~Class();
@@ -42,6 +47,9 @@ class QUARN_API Class {
   static void setClass(Class *c);
   /// Unbinds whatever is bound to `tag`.
   static void unbind(ClassTag const &tag);
+
+  /// Set by the class object of a class derived from Value.
+  bool m_makesValues = false;
 
  public:
   /// The class bound to `tag`, or null.
@@ -65,6 +73,8 @@ template <class T>
 class QUARN_API ClassImp : public Class {
  public:
   ClassImp() : tag(T::Tag) {
+    // T is complete here, so Value is too when T derives from it.
+    m_makesValues = std::is_base_of_v<Value, T>;
     setClass(this);
     leakDetector.SetName(tag.getName());
   }

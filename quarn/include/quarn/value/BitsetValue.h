@@ -36,7 +36,7 @@
 //
 // Text: getString lists the on positions, 1-based and ascending, separated by
 // one space ("1 3 5"; none: empty text). setFromString reads integers one after
-// another and never fails: blanks and commas both separate ("1, 3,5"), values
+// another and does not fail on bad text: blanks and commas both separate ("1, 3,5"), values
 // below 1 are skipped, anything else ends the list ("2 x 3" is {2}). It sets
 // exactly the positions read, growing the bitset to the largest one, never
 // shrinking it. XML text: n, then (when n is not 0) one space and the
@@ -44,9 +44,12 @@
 // bits, none on -> "5 ". Reading XML text: a text with a space is a bit count
 // (read leniently; a negative or missing count is 0) followed by positions, so
 // "3 7" is 7 bits with only bit 6 on; a text without a space is positions only.
-// Numbers read from text saturate at 2147483647, so a text can ask for at most
-// 2^31 - 1 bits (256 MB of words); callers reading untrusted text that must
-// stay smaller check the text first.
+// A text grows a bitset to at most kMaxGrowBits (10,000,000) bits, as the
+// integer conversions do, so ten characters cannot ask for 256 MB of words: a
+// bit count or position beyond that (where the bitset is not that long
+// already) throws "Cannot convert StringValues containing numbers greater than
+// 10,000,000 to a BitsetValue" (the class's own short name last) before
+// anything changes; this is the one way setFromString fails.
 //
 // Payload: n as a stream int, the word count as a stream int, then each word
 // as a stream int (its 32 bits taken as signed). 33 bits with bits 0 and 32 on:
@@ -106,6 +109,8 @@ class QUARN_API BitsetValue : public ValueGlue<BitsetValue, Value> {
  public:
   /// A pooled bitset with more words than this frees them when released.
   static constexpr unsigned int kMaxPooledWords = 1000;
+  /// The most bits that positions read from text or integers may grow a bitset to.
+  static constexpr unsigned int kMaxGrowBits = 10000000;
 
   /// One bit of a bitset, from the non-const operator[]: reads as bool,
   /// assigns through set().
@@ -258,7 +263,7 @@ class QUARN_API BitsetValue : public ValueGlue<BitsetValue, Value> {
 
   /// The on positions, 0-based and ascending.
   void getArrayZeroBased(Array<int> &out) const;
-  /// Reads 1-based positions (see the file comment); never fails.
+  /// Reads 1-based positions (see the file comment); fails only past kMaxGrowBits.
   void setFromString(BaseString<unsigned short> const &text);
 
   // ---- size
@@ -285,6 +290,10 @@ class QUARN_API BitsetValue : public ValueGlue<BitsetValue, Value> {
   unsigned int wordIndex(unsigned int position) const;
   /// Reads the 1-based positions of a NUL-terminated text (null: none).
   void readPositions(unsigned short const *text);
+  /// The largest 1-based position of such a text (0 for none).
+  static unsigned int largestPosition(unsigned short const *text);
+  /// Refuses a text that would grow this bitset to `numBits` past kMaxGrowBits.
+  void checkTextGrowth(unsigned int numBits) const;
   /// Copies n and the words of `other`, reusing this bitset's storage.
   void copyBits(BitsetValue const &other);
   template <class Op>

@@ -1,7 +1,8 @@
 // NullArrayValue.h - a record property holding a list of null values
 //
-// Every element is a NullValue held by value (a MissingValue appended is kept
-// as a plain NullValue), so the array records only how many there are.
+// Every element is a plain NullValue (a MissingValue appended is kept as one),
+// so the array records only how many there are: no storage per element, and a
+// count costs the same four bytes whatever it is.
 // Element conversions are the null value's own: getIthDouble is NaN,
 // getIthString the empty text, getIthInteger and getIthBoolean refuse
 // ("Invalid request: a NullValue type cannot hold a value"); getArray converts
@@ -42,17 +43,16 @@ class QUARN_API NullArrayValue : public ValueGlue<NullArrayValue, ArrayValue> {
   static constexpr unsigned int kMaxStreamCount = 1u << 20;
 
   NullArrayValue() = default;
-  NullArrayValue(NullArrayValue const &other) : Glue(other), m_array(other.m_array) {}
-  explicit NullArrayValue(Array<NullValue> const &elements) : m_array(elements) {}
+  NullArrayValue(NullArrayValue const &other) : Glue(other), m_count(other.m_count) {}
+  /// As many null elements as `elements` holds.
+  explicit NullArrayValue(Array<NullValue> const &elements) : m_count(elements.getSize()) {}
   ~NullArrayValue() override;
 
   NullArrayValue &operator=(NullArrayValue const &other);
   NullArrayValue &operator=(Array<NullValue> const &elements);
 
   /// Appends one null element.
-  void append(NullValue const &element) { m_array.append(element); }
-  /// The elements.
-  Array<NullValue> const &getElements() const noexcept { return m_array; }
+  void append(NullValue const &element);
 
   // ---- Value's slots
 
@@ -70,7 +70,7 @@ class QUARN_API NullArrayValue : public ValueGlue<NullArrayValue, ArrayValue> {
   ClassTag const &getItemValueType() const override;
   void assignToSameClass(Value &target) const override;
   int compare(Value const &other) const override;
-  /// Frees the elements and the buffer.
+  /// No elements.
   void clear() override;
 
   // ---- ArrayValue's slots
@@ -93,7 +93,10 @@ class QUARN_API NullArrayValue : public ValueGlue<NullArrayValue, ArrayValue> {
   void setIthValue(unsigned int i, Value const &value) override;
 
  private:
-  Array<NullValue> m_array;
+  /// Throws InvalidIndexException(i, count - 1) for an index at or beyond the count.
+  void checkIndex(unsigned int i) const;
+
+  unsigned int m_count = 0;
 };
 
 }  // namespace quarn

@@ -23,7 +23,10 @@
 // A file cut anywhere thus reads every whole record and then says where it
 // was cut; after a cut next() answers false. A damaged header throws from
 // the constructor (the messages of RecordFile.h's header checks). Nothing
-// read is trusted: a record's storage grows only as its bytes arrive.
+// read is trusted: a record's storage grows only as its bytes arrive. Each
+// record is read from a slice of its own, under the process's
+// StreamLoadingPolicy, which decides whether a class name in it may load its
+// component library.
 //
 //   RecordFileReader in("records.qrf");
 //   ObjPtr<Value> record;

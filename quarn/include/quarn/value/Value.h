@@ -15,6 +15,19 @@
 // initialisers in any order. A missing converter throws Exception
 // "Could not convert from %hs to %hs".
 //
+// Untrusted input: deserialize and setFromXMLText (and fillFromString of the
+// arrays) take any bytes or text. Bad input throws Exception and leaves the
+// value as it was (fillFromString keeps the fields before the bad one), and
+// memory follows the input, not the numbers in it: one read, however deeply
+// its values nest, holds at most kReadBytesPerInputByte (64) bytes of heap per
+// byte it consumed (two per UTF-16 unit of a text) plus kReadAllowanceBytes
+// (2 MiB) at any moment. So a count, a length or a bit count buys only the
+// storage its bytes pay for: elements are stored as they arrive and little is
+// reserved ahead, a null array stores only its count, a bitset read from a
+// payload is as long as the words it carries, and a text grows a bitset to at
+// most 10,000,000 bits (1.25 MB, inside the allowance). The worst case per
+// byte is an array of value objects whose payloads are one byte each.
+//
 // The virtual operations are declared in slot order; that order is the vtable
 // layout other binaries depend on.
 #pragma once
@@ -45,6 +58,9 @@ class QUARN_API Value : public Object, public PooledObject {
   /// 8. Writes the payload; Value's own part writes nothing and every class calls it first.
   void serialize(iByteOutputStream &out) const override = 0;
   /// 9. Reads the payload; Value's own part reads nothing and every class calls it first.
+  /// Any bytes may arrive (see the file comment on untrusted input); a value
+  /// array may load the component library of a class it names, as the
+  /// StreamLoadingPolicy of `in` allows (StreamLoadingPolicy.h).
   void deserialize(iByteInputStream &in) override = 0;
   /// 10. Hands the instance back to its pool (or destroys it).
   void deleteInstance() override = 0;
@@ -126,6 +142,11 @@ class QUARN_API Value : public Object, public PooledObject {
   static void RegisterTypeConverter(ClassTag const &from, ClassTag const &to, ValueTypeConverter *converter);
   /// Exactly RegisterTypeConverter(from, to, nullptr).
   static void UnRegisterTypeConverter(ClassTag const &from, ClassTag const &to);
+
+  /// The heap one read of a payload or a text may hold: this many bytes per
+  /// byte consumed, plus the allowance (see the file comment).
+  static constexpr long long kReadBytesPerInputByte = 64;
+  static constexpr long long kReadAllowanceBytes = 2 << 20;
 
   static constexpr char const className[] = "Marlix.value.Value";
   static ClassTagDecl const Tag;

@@ -21,22 +21,26 @@
 // as L = characters + 1 (0 for no name) as a stream int and the L - 1 bytes
 // without a terminator, then the element's own payload. One IntegerValue 7:
 //   04  01 1A  "Marlix.value.IntegerValue" (25 bytes)  1C
-// Reading makes each element by its class name (Class::getClassInstance: a
-// bound class, else the component library registered for the name) and lets
-// it read its payload. Each thread remembers the classes of the names it read
-// last, so a run of records with the same classes makes its elements without
-// the tag registry (no lock, no allocation); from a memory stream the names
-// are compared where they lie. The elements read go into the buffer the array
-// kept, so a pooled array reads without allocating. Writing takes each name
-// and its length from the element's tag. Nothing read is trusted: the count reserves nothing up
-// front, a class name must be 1 to kMaxClassNameLength bytes without a zero
-// byte, a name that no class serves fails as creation by name fails ("Class
-// %hs not registered."), an object that is not a value is handed back and
-// refused ("Class %hs is not a value"), and arrays nested more than
-// kMaxNesting deep inside one another fail with "ValueArrayValue nesting
-// deeper than 64 levels". Every failure is annotated "ValueArrayValue::
-// deserialize: Tessary exception caught" (once per nesting level), hands back
-// the elements made so far and leaves the array as it was.
+// Reading makes each element by its class name (a bound class, else the
+// component library registered for the name, when the stream's
+// StreamLoadingPolicy lets it load) and lets it read its payload. Each thread
+// remembers the classes of the names it read last, so a run of records with
+// the same classes makes its elements without the tag registry (no lock, no
+// allocation); from a memory stream the names are compared where they lie.
+// The elements read go into the buffer the array kept, so a pooled array reads
+// without allocating. Writing takes each name and its length from the
+// element's tag. Nothing read is trusted: the count reserves room for at most
+// 64 elements up front, a class name must be 1 to kMaxClassNameLength bytes
+// without a zero byte, a name that no class serves fails as creation by name
+// fails ("Class %hs not registered."), a library the policy refuses is not
+// loaded ("Class %hs is not loaded and this stream may not load it"), a class
+// that is not a value is refused ("Class %hs is not a value": before anything
+// is made when the class is bound, else the object the library made is handed
+// back), and arrays nested more than kMaxNesting deep inside one another fail
+// with "ValueArrayValue nesting deeper than 64 levels". Every failure is
+// annotated "ValueArrayValue::deserialize: Tessary exception caught" (once per
+// nesting level), hands back the elements made so far and leaves the array as
+// it was.
 //
 // Indices at or beyond the count throw InvalidIndexException(index, count - 1).
 // A pooled array comes back empty; when returned it hands back its elements
