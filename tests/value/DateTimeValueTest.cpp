@@ -11,18 +11,18 @@
 #include <quarn/value/NullValue.h>
 #include <quarn/value/StringValue.h>
 
+#include <array>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
-#include <array>
 #include <string>
 #include <tuple>
 #include <vector>
 
-#include "support/ExpectThrow.h"
 #include "support/DataRows.h"
+#include "support/ExpectThrow.h"
 #include "value/GoldenBytes.h"
 #include "value/ValueTesting.h"
 
