@@ -8,14 +8,32 @@
 #include <cstdlib>
 #include <initializer_list>
 #include <limits>
+#include <map>
 #include <string>
+#include <vector>
 
-#include "MathReference.h"
+#include "support/DataRows.h"
 
 namespace quarn {
 namespace {
 
-using test::Reference;
+// True values from eval/data/distributions.tsv: table, x (or chi-square or t), degrees, expected.
+struct Reference {
+  double x;
+  int v;
+  double expected;
+};
+std::vector<Reference> const &reference(std::string const &table) {
+  static auto const tables = [] {
+    std::map<std::string, std::vector<Reference>> out;
+    for (auto const &f : test::readRows("eval/data/distributions.tsv", 4))
+      out[f[0]].push_back({std::stod(f[1]), std::stoi(f[2]), std::stod(f[3])});
+    return out;
+  }();
+  auto const found = tables.find(table);
+  if (found == tables.end()) throw std::runtime_error("no reference table " + table);
+  return found->second;
+}
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 Array<double> arrayOf(std::initializer_list<double> values) {
@@ -56,7 +74,7 @@ TEST(MathTest, NormalDensityAndItsScaledForms) {
 }
 
 TEST(MathTest, NormalTailsStayWithinTheirBounds) {
-  for (Reference const &r : test::kNormalLowerTail) {
+  for (Reference const &r : reference("NormalLowerTail")) {
     EXPECT_NEAR(Math::p_26_2_17(r.x), r.expected, 7.5e-8) << r.x;
     EXPECT_NEAR(Math::q_26_2_17(r.x), 1 - r.expected, 7.5e-8) << r.x;
     EXPECT_NEAR(Math::gaussianCDF(10, 2, 10 + 2 * r.x), r.expected, 7.5e-8) << r.x;
@@ -65,7 +83,7 @@ TEST(MathTest, NormalTailsStayWithinTheirBounds) {
 }
 
 TEST(MathTest, ChiSquareSumsMatchTheTrueTail) {
-  for (Reference const &r : test::kChiSquareUpperTail) {
+  for (Reference const &r : reference("ChiSquareUpperTail")) {
     SCOPED_TRACE(testing::Message() << r.x << " " << r.v);
     double const q = Math::chiQ_Exact(r.x, r.v);
     if (r.v % 2 == 0) {
@@ -98,7 +116,7 @@ TEST(MathTest, ArgumentsOutsideTheFormulasAreNotCheckedButStayDefined) {
 }
 
 TEST(MathTest, WilsonHilfertyFollowsTheTailForManyDegrees) {
-  for (Reference const &r : test::kChiSquareManyDegrees) {
+  for (Reference const &r : reference("ChiSquareManyDegrees")) {
     // Cube-root approximation: within 5e-4 from 31 degrees on this grid.
     EXPECT_NEAR(Math::chiQ_26_4_14(r.x, r.v), r.expected, 5e-4) << r.x << " " << r.v;
     EXPECT_EQ(Math::chiQ(r.x, r.v), Math::chiQ_26_4_14(r.x, r.v));
@@ -110,7 +128,7 @@ TEST(MathTest, WilsonHilfertyFollowsTheTailForManyDegrees) {
 }
 
 TEST(MathTest, StudentSumIsExact) {
-  for (Reference const &r : test::kStudentA) {
+  for (Reference const &r : reference("StudentA")) {
     EXPECT_TRUE(nearRelative(Math::a_26_7_3(r.x, r.v), r.expected)) << r.x << " " << r.v;
     EXPECT_TRUE(nearRelative(Math::a_26_7_3(-r.x, r.v), r.expected)) << -r.x << " " << r.v;
     EXPECT_EQ(Math::a_26_7(r.x, r.v), Math::a_26_7_3(r.x, r.v));  // |t| <= 10 or v > 5
@@ -118,12 +136,12 @@ TEST(MathTest, StudentSumIsExact) {
 }
 
 TEST(MathTest, StudentApproximationsFollowTheTail) {
-  for (Reference const &r : test::kStudentAManyDegrees) {
+  for (Reference const &r : reference("StudentAManyDegrees")) {
     // Normal approximation: within 2e-5 from 101 degrees on this grid.
     EXPECT_NEAR(Math::a_26_7_8(r.x, r.v), r.expected, 2e-5) << r.x << " " << r.v;
     EXPECT_EQ(Math::a_26_7(r.x, r.v), Math::a_26_7_8(r.x, r.v));
   }
-  for (Reference const &r : test::kStudentALargeT) {
+  for (Reference const &r : reference("StudentALargeT")) {
     // Asymptotic series with its |t|^(v+1) second term: within 2.5e-4 above t = 10.
     EXPECT_NEAR(Math::a_26_7_7(r.x, r.v), r.expected, 2.5e-4) << r.x << " " << r.v;
     EXPECT_EQ(Math::a_26_7(-r.x, r.v), Math::a_26_7_7(r.x, r.v));

@@ -1,7 +1,7 @@
 // DateTimeValueTest.cpp - calendar, zones, arithmetic, order and payload of the date-time value
 //
-// The calendar is checked against DateTimeReference.h (dates computed outside
-// the tests). Everything that depends on the machine's zone runs in a child
+// The calendar is checked against value/data/calendar.tsv and isoweeks.tsv
+// (dates computed outside the tests). Everything that depends on the machine's zone runs in a child
 // process with its own TZ; this process itself runs in UTC.
 #include <gtest/gtest.h>
 #include <quarn/value/DateTimeValue.h>
@@ -11,17 +11,18 @@
 #include <quarn/value/NullValue.h>
 #include <quarn/value/StringValue.h>
 
+#include <array>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <string>
+#include <tuple>
 #include <vector>
 
+#include "support/DataRows.h"
 #include "support/ExpectThrow.h"
-#include "value/DateTimeReference.h"
-#include "value/DateTimeZoneRows.h"
 #include "value/GoldenBytes.h"
 #include "value/ValueTesting.h"
 
@@ -39,13 +40,45 @@ DT made(int y, int mo, int d, int h = 12, int mi = 0, int s = 0, int ms = 0) {
   return v;
 }
 
-static_assert(sizeof kZones / sizeof kZones[0] == DT::kTimeZoneCount);
+// Reference tables from value/data: the calendar (julian day, year, month,
+// day), ISO weeks (year, month, day, week-year, week) and the zone table.
+struct CalendarRow {
+  int jd, year, month, day;
+};
+struct IsoWeekRow {
+  int year, month, day, weekYear, week;
+};
+struct ZoneRow {
+  std::string name;
+  int toStandard, toDaylight, rule, hhmm;
+};
+template <class Row, std::size_t N>
+std::vector<Row> intRows(char const *file) {
+  std::vector<Row> out;
+  for (auto const &f : readRows(file, N)) {
+    int v[N];
+    for (std::size_t i = 0; i < N; ++i) v[i] = std::stoi(f[i]);
+    out.push_back(std::apply([](auto... x) { return Row{x...}; }, std::to_array(v)));
+  }
+  return out;
+}
+std::vector<CalendarRow> const kCalendarRows = intRows<CalendarRow, 4>("value/data/calendar.tsv");
+std::vector<IsoWeekRow> const kIsoWeekRows = intRows<IsoWeekRow, 5>("value/data/isoweeks.tsv");
+std::vector<ZoneRow> const kZones = [] {
+  std::vector<ZoneRow> out;
+  for (auto const &f : readRows("value/data/zones.tsv", 5))
+    out.push_back({f[0], std::stoi(f[1]), std::stoi(f[2]), std::stoi(f[3]), std::stoi(f[4])});
+  return out;
+}();
 
 TEST(DateTimeZoneTableTest, EveryRowHasItsNameStepsRuleAndOffset) {
+  ASSERT_EQ(kZones.size(), static_cast<std::size_t>(DT::kTimeZoneCount));
+  ASSERT_EQ(kCalendarRows.size(), 6203u);
+  ASSERT_EQ(kIsoWeekRows.size(), 398u);
   for (int row = 0; row < DT::kTimeZoneCount; ++row) {
     auto const &r = DT::getTimeZoneRow(row);
     auto const &e = kZones[row];
-    EXPECT_STREQ(r.name, e.name) << row;
+    EXPECT_STREQ(r.name, e.name.c_str()) << row;
     EXPECT_EQ(r.toStandard, e.toStandard) << row;
     EXPECT_EQ(r.toDaylight, e.toDaylight) << row;
     EXPECT_EQ(r.rule, e.rule) << row;
