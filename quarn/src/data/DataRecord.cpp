@@ -71,6 +71,7 @@ void DataRecord::deserialize(iByteInputStream &in) {
     auto const n = static_cast<unsigned int>(count);
     detail::PropertyTable read;
     read.reserve(std::min(n, kReserveAhead));
+    detail::ElementReader values(in, "DataRecord property");
     for (unsigned int k = 0; k < n; ++k) {
       BaseString<unsigned short> name;
       in >> name;
@@ -79,7 +80,7 @@ void DataRecord::deserialize(iByteInputStream &in) {
       std::uint32_t const hash = detail::PropertyTable::hashName(name.getBuffer(), name.getLength());
       if (read.find(name.getBuffer(), name.getLength(), hash)) [[unlikely]]
         throw Exception("DataRecord property %u repeats the name %ls", k, name.getBuffer());
-      ObjPtr<Value> value(detail::makeByName(in, detail::readClassName(in, k, "DataRecord property")));
+      ObjPtr<Value> value(values.readValue(k));
       value->deserialize(in);
       Property *property = Property::make(std::move(name), value.detach());
       try {
