@@ -14,8 +14,8 @@
 #include <utility>
 
 #include "ArrayCoding.h"
-#include "ElementByName.h"
 #include "ElementArrays.h"
+#include "ElementByName.h"
 #include "NarrowText.h"
 
 namespace quarn {
