@@ -49,6 +49,11 @@ ElementReader::Name ElementReader::readStreamedName(unsigned int length, Scratch
   return {scratch, length};
 }
 
+Value *ElementReader::readStreamedValue(unsigned int length, unsigned int index) {
+  Scratch scratch;
+  return makeValue(readStreamedName(length, scratch), index);
+}
+
 void ElementReader::failNotRegistered(Name name) {
   throw Exception("Class %hs not registered.", BaseString<char>(name.bytes, name.length).getBuffer());
 }

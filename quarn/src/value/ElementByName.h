@@ -89,9 +89,15 @@ class ElementReader {
   }
 
   /// Reads element `index`'s class name and makes a value of that class.
+  /// (A name that has to be copied out of the stream is copied in a frame of
+  /// its own, so that arrays nested in one another keep no scratch on the stack.)
   Value *readValue(unsigned int index) {
-    Scratch scratch;
-    return makeValue(readName(index, scratch), index);
+    unsigned int const length = readLength(index);
+    if (!m_memory || m_memory->getRemaining() < length) [[unlikely]]
+      return readStreamedValue(length, index);
+    auto const *bytes = reinterpret_cast<char const *>(m_memory->getCursor());
+    m_memory->advance(length);
+    return makeValue({bytes, length}, index);
   }
 
   /// Throws "... has a class name with a zero byte" when `name` holds one.
@@ -110,6 +116,7 @@ class ElementReader {
   }
   [[noreturn, gnu::cold]] void failLength(int length, unsigned int index) const;
   [[gnu::noinline]] Name readStreamedName(unsigned int length, Scratch &scratch);
+  [[gnu::noinline]] Value *readStreamedValue(unsigned int length, unsigned int index);
   static Value *makeRemembered(Class const &c, Name name) {
     Object *made = c.newInstance();
     if (!made) [[unlikely]]
