@@ -47,8 +47,10 @@ bool sameName(BaseString<unsigned short> const &a, BaseString<unsigned short> co
 
 /// Reads property `k`'s value, whose name the stream gave as `held`'s
 /// property `k` has it: into the value the property holds when the stream
-/// names its class exactly as the class spells itself, else into a new value that a new property of the same
-/// name holds in its place. A failure leaves the property as it was.
+/// names its class exactly as the class spells itself, else into a new value
+/// that a new property of the same name holds in its place. A failure leaves
+/// the property in place, holding a value as valid as that value's own
+/// deserialize leaves it.
 void readValueInPlace(iByteInputStream &in, detail::ElementReader &values, detail::PropertyTable &held,
                       unsigned int k) {
   detail::ElementReader::Scratch scratch;
