@@ -2,10 +2,11 @@
 //
 // Every record a pipeline passes is made of property values, written to a
 // byte stream, read back in another process (each element made by its class
-// name), compared and released. This program does that for one record of 19
+// name), compared and released. This program does that for one record of 20
 // properties (6 integers of mixed sizes, 4 doubles, 2 booleans, 4 strings of
-// 0-40 units, an integer array of 32, a double array of 16 and a 1024-bit
-// fingerprint), 256 different records cycled, in four forms side by side:
+// 0-40 units, an integer array of 32, a double array of 16, a 1024-bit
+// fingerprint, a date-time), 256 different records cycled, in four forms side
+// by side, and the same record as a DataRecord with named properties:
 //
 //   quarn     a pooled ValueArrayValue of pooled values, written to a reused
 //             MemoryOutputStream and read back into a pooled ValueArrayValue
@@ -16,7 +17,13 @@
 //             QByteArray, read back into a reused QVector<QVariant>;
 //   protobuf  the generated proto3 message of RecordBench.proto on arenas
 //             whose first block is reused, serialised into a reused buffer;
-//   memcpy    the floor: two memcpys of quarn's encoded bytes.
+//   memcpy    the floor: two memcpys of quarn's encoded bytes;
+//   quarn_record  (round trip only) the same 20 values as a DataRecord of
+//             named properties, kept and filled again for every record
+//             through the values its properties hold, written, and read back
+//             into a kept DataRecord (names compared in place, values read
+//             into the ones it holds). The date-time is a DateTimeValue in
+//             quarn, a QDateTime in Qt and milliseconds (sint64) in protobuf.
 //
 // Rows: "roundtrip/<peer>" (fill, serialise, read back, compare, release), and
 // one row per step: "fill" (make the record and release it), "serialise",
@@ -34,8 +41,11 @@
 // many records that was.
 #include <benchmark/benchmark.h>
 #include <quarn/core/Ptr.h>
+#include <quarn/data/DataRecord.h>
+#include <quarn/data/Property.h>
 #include <quarn/value/BitFingerprintValue.h>
 #include <quarn/value/BooleanValue.h>
+#include <quarn/value/DateTimeValue.h>
 #include <quarn/value/DoubleArrayValue.h>
 #include <quarn/value/DoubleValue.h>
 #include <quarn/value/IntegerArrayValue.h>
@@ -60,6 +70,7 @@
 #include <QBuffer>
 #include <QByteArray>
 #include <QDataStream>
+#include <QDateTime>
 #include <QMetaType>
 #include <QString>
 #include <QVariant>
@@ -135,6 +146,7 @@ struct Source {
   std::vector<int> intArray;
   std::vector<double> doubleArray;
   std::array<std::uint32_t, kFingerprintWords> words;
+  long long millis;  // an instant, milliseconds since 1970 UTC
 };
 
 std::vector<Source> const &records() {
@@ -164,6 +176,7 @@ std::vector<Source> const &records() {
       for (unsigned int i = 0; i < kIntArray; ++i) r.intArray.push_back(mixed(i));
       for (unsigned int i = 0; i < kDoubleArray; ++i) r.doubleArray.push_back(real(gen));
       for (std::uint32_t &w : r.words) w = word(gen);
+      r.millis = std::uniform_int_distribution<long long>(0, 1900000000000LL)(gen);
     }
     return out;
   }();
@@ -205,6 +218,9 @@ V *add(ValueArrayValue &record) {
   return added;
 }
 
+/// The julian day of `millis` after 1970-01-01 00:00 UTC.
+double julianOf(long long millis) { return 2440587.5 + static_cast<double>(millis) / 86400000.0; }
+
 void addInteger(ValueArrayValue &record, int v) { add<IntegerValue>(record)->setInteger(v); }
 void addDouble(ValueArrayValue &record, double v) { add<DoubleValue>(record)->setDouble(v); }
 void addBoolean(ValueArrayValue &record, bool v) { add<BooleanValue>(record)->setBoolean(v); }
@@ -227,6 +243,7 @@ ValueArrayValue *fill(Source const &r) {
   add<DoubleArrayValue>(a)->setElements(r.doubleArray.data(), kDoubleArray);
   add<BitFingerprintValue>(a)->setFromBuffer(reinterpret_cast<char const *>(r.words.data()), 4 * kFingerprintWords,
                                              kFingerprintBits);
+  add<DateTimeValue>(a)->setJulian(julianOf(r.millis));
   return record.detach();
 }
 
@@ -266,7 +283,93 @@ double averageWireBytes() {
   return sum / kRecords;
 }
 
+/// The record's 20 properties by name, in the order of fill's elements.
+constexpr char const *kNames[] = {"id",    "weight", "name",   "active",   "count",       "logp",      "formula",
+                                  "atoms", "charge", "smiles", "valid",    "bonds",       "tpsa",      "source",
+                                  "rings", "donors", "shape",  "spectrum", "fingerprint", "registered"};
+
+/// A record with the properties of `r` under kNames: the record a pipeline
+/// keeps and fills again for every record it passes.
+DataRecord *namedRecord(Source const &r) {
+  ObjPtr<ValueArrayValue> values(fill(r));
+  Ptr<DataRecord> record(DataRecord::newInstance());
+  for (unsigned int i = 0; i < values->getSize(); ++i) {
+    Value const &v = (*values)[i];
+    record->defineProperty(WString(kNames[i]), v.getClassTag())->setValue(v);
+  }
+  return record.detach();
+}
+
+template <class V>
+V &valueAt(DataRecord &record, unsigned int i) {
+  return *static_cast<V *>(record.properties().at(i)->getValue());
+}
+
+/// Fills the properties of `record` (made by namedRecord) with `r`, in the values they hold.
+void fillNamed(DataRecord &record, Source const &r) {
+  unsigned int i = 0;
+  auto integer = [&](int v) { valueAt<IntegerValue>(record, i++).setInteger(v); };
+  auto real = [&](double v) { valueAt<DoubleValue>(record, i++).setDouble(v); };
+  auto boolean = [&](bool v) { valueAt<BooleanValue>(record, i++).setBoolean(v); };
+  auto text = [&](std::u16string const &t) {
+    valueAt<StringValue>(record, i++)
+        .setString(reinterpret_cast<unsigned short const *>(t.data()), static_cast<unsigned int>(t.size()));
+  };
+  integer(r.ints[0]), real(r.doubles[0]), text(r.text[0]), boolean(r.bools[0]);
+  integer(r.ints[1]), real(r.doubles[1]), text(r.text[1]);
+  integer(r.ints[2]), real(r.doubles[2]), text(r.text[2]), boolean(r.bools[1]);
+  integer(r.ints[3]), real(r.doubles[3]), text(r.text[3]);
+  integer(r.ints[4]), integer(r.ints[5]);
+  valueAt<IntegerArrayValue>(record, i++).setElements(r.intArray.data(), kIntArray);
+  valueAt<DoubleArrayValue>(record, i++).setElements(r.doubleArray.data(), kDoubleArray);
+  valueAt<BitFingerprintValue>(record, i++)
+      .setFromBuffer(reinterpret_cast<char const *>(r.words.data()), 4 * kFingerprintWords, kFingerprintBits);
+  valueAt<DateTimeValue>(record, i++).setJulian(julianOf(r.millis));
+}
+
+/// Same names in the same order, and equal values.
+bool same(DataRecord &a, DataRecord &b) {
+  auto const &x = a.properties(), &y = b.properties();
+  if (x.size() != y.size()) return false;
+  for (unsigned int i = 0; i < x.size(); ++i)
+    if (x.at(i)->getName() != y.at(i)->getName() || x.at(i)->getValue()->compare(*y.at(i)->getValue()) != 0)
+      return false;
+  return true;
+}
+
 }  // namespace q
+
+/// One whole round trip of record `r` as a DataRecord: `written` filled,
+/// written to `out` and read back into `read`; false when what was read differs.
+[[gnu::noinline]] bool roundTripQuarnRecord(Source const &r, quarn::DataRecord &written, quarn::DataRecord &read,
+                                            quarn::MemoryOutputStream &out) {
+  countedRecord();
+  q::fillNamed(written, r);
+  out.clear();
+  written.serialize(out);
+  quarn::MemoryInputStream in(out.getBuffer(), out.getSize());
+  read.deserialize(in);
+  return q::same(read, written);
+}
+
+void roundTripQuarnRecordRow(benchmark::State &state) {
+  quarn::Ptr<quarn::DataRecord> written(q::namedRecord(records()[0]));
+  quarn::Ptr<quarn::DataRecord> read(quarn::DataRecord::newInstance());
+  quarn::MemoryOutputStream out;
+  double wire = 0;
+  for (Source const &r : records()) {  // warms the pools and the record read into
+    roundTripQuarnRecord(r, *written, *read, out);
+    wire += out.getSize();
+  }
+  Counting counting;
+  unsigned int k = 0;
+  for (auto _ : state) {
+    if (!roundTripQuarnRecord(records()[k], *written, *read, out)) [[unlikely]]
+      state.SkipWithError("quarn read back a different DataRecord");
+    k = (k + 1) % kRecords;
+  }
+  counting.finish(state, wire / kRecords);
+}
 
 /// One whole round trip of record `r`: false when what was read differs.
 [[gnu::noinline]] bool roundTripQuarn(Source const &r, quarn::MemoryOutputStream &out) {
@@ -406,6 +509,7 @@ void fill(Record &record, Source const &r) {
   std::memcpy(doubles.data(), r.doubleArray.data(), sizeof(double) * kDoubleArray);
   record.append(QVariant::fromValue(doubles));
   record.append(QBitArray::fromBits(reinterpret_cast<char const *>(r.words.data()), kFingerprintBits));
+  record.append(QDateTime::fromMSecsSinceEpoch(r.millis, Qt::UTC));
 }
 
 /// A stream pair over one reused byte array.
@@ -587,6 +691,7 @@ Record *fill(Arena *arena, Source const &r) {
   m->mutable_ints()->Add(r.intArray.begin(), r.intArray.end());
   m->mutable_doubles()->Add(r.doubleArray.begin(), r.doubleArray.end());
   m->set_fingerprint(r.words.data(), 4 * kFingerprintWords);
+  m->set_when(r.millis);
   return m;
 }
 
@@ -614,7 +719,7 @@ bool same(Record const &a, Record const &b) {
          a.d1() == b.d1() && a.s1() == b.s1() && a.i2() == b.i2() && a.d2() == b.d2() && a.s2() == b.s2() &&
          a.b1() == b.b1() && a.i3() == b.i3() && a.d3() == b.d3() && a.s3() == b.s3() && a.i4() == b.i4() &&
          a.i5() == b.i5() && sameRepeated(a.ints(), b.ints()) && sameRepeated(a.doubles(), b.doubles()) &&
-         a.fingerprint() == b.fingerprint();
+         a.fingerprint() == b.fingerprint() && a.when() == b.when();
 }
 
 double averageWireBytes() {
@@ -758,6 +863,13 @@ int main(int argc, char **argv) {
     if (step == "roundtrip") {
       benchmark::RegisterBenchmark("roundtrip/memcpy", roundTripMemcpyRow);
       pair(step, "memcpy");
+      benchmark::RegisterBenchmark("roundtrip/quarn_record", roundTripQuarnRecordRow);
+      reporter.add({"roundtrip quarn_record/quarn", "roundtrip/quarn_record", "roundtrip/quarn", "items_per_second"});
+      if (s.qt)
+        reporter.add({"roundtrip quarn_record/qt", "roundtrip/quarn_record", "roundtrip/qt", "items_per_second"});
+      if (s.protobuf)
+        reporter.add(
+            {"roundtrip quarn_record/protobuf", "roundtrip/quarn_record", "roundtrip/protobuf", "items_per_second"});
     }
   }
   return quarn::bench::runWithRatios(argc, argv, reporter);

@@ -99,6 +99,24 @@ void PropertyTable::rebuildIndex() noexcept {
   for (unsigned int i = 0; i < m_entries.getSize(); ++i) indexEntry(i);
 }
 
+void PropertyTable::replaceAt(unsigned int i, Property *property) noexcept {
+  Entry &e = m_entries.getBuffer()[i];
+  Property *gone = e.property;
+  property->addRef();
+  e.units = property->getName().getBuffer();  // same name, same key and hash
+  e.property = property;
+  gone->release();
+}
+
+void PropertyTable::truncate(unsigned int n) noexcept {
+  for (unsigned int size = m_entries.getSize(); size > n; --size) {
+    Property *gone = m_entries.getBuffer()[size - 1].property;
+    m_entries.resize(size - 1);
+    gone->release();
+  }
+  rebuildIndex();
+}
+
 void PropertyTable::removeAt(unsigned int i) {
   Property *gone = m_entries[i].property;
   m_entries.remove(i);

@@ -490,7 +490,7 @@ void DateTimeValue::deserialize(iByteInputStream &in) {
     throw Exception("Incompatible version '%i' in DateTimeValue deserialization", version);
   bool julianValid, textValid;
   double julian = 0.0;
-  WString text(""), format;
+  WString text, format;  // nothing allocated unless the stream holds them
   in >> julianValid;
   if (julianValid) in >> julian;
   in >> textValid;
@@ -508,10 +508,13 @@ void DateTimeValue::deserialize(iByteInputStream &in) {
   checkRead(ms, -1, 999, "millisecond");
   checkRead(zone, 0, kTimeZoneCount - 1, "time zone row");
   checkRead(fields.tm_year, INT_MIN, kMaxTmYear, "year");
+  if (textValid)
+    m_text = std::move(text);
+  else
+    m_text.resize(0);  // empty, in the storage it kept: the only step that may fail, and it comes first
   m_julianValid = julianValid;
   m_julian = julian;
   m_textValid = textValid;
-  m_text = std::move(text);
   m_format = std::move(format);
   m_tm = fields;
   m_ms = ms;

@@ -38,7 +38,9 @@ constexpr std::size_t kSearchChunk = 4096;
 template <class Into>
 void decodeRecord(unsigned char const *payload, std::uint32_t size, int version, Into into) {
   MemoryInputStream in(payload, size, version);
-  Object &record = into(in, detail::readClassName(in, 0, nullptr));
+  detail::ElementReader names(in, nullptr);
+  detail::ElementReader::Scratch scratch;
+  Object &record = into(names, names.readName(0, scratch));
   record.deserialize(in);
   if (in.getRemaining() != 0) throw Exception("the value read %u of its %u bytes", in.getPosition(), size);
 }
@@ -258,24 +260,26 @@ bool RecordFileReader::nextInto(Into into) {
 }
 
 bool RecordFileReader::next(ObjPtr<Value> &record) {
-  return nextInto([&](iByteInputStream const &in, BaseString<char> const &name) -> Object & {
-    record.reset(detail::makeByName(in, name));
+  return nextInto([&](detail::ElementReader &names, detail::ElementReader::Name name) -> Object & {
+    record.reset(names.makeValue(name, 0));
     return *record;
   });
 }
 
 bool RecordFileReader::next(ObjPtr<Object> &record) {
-  return nextInto([&](iByteInputStream const &in, BaseString<char> const &name) -> Object & {
-    record.reset(detail::makeRecordByName(in, name));
+  return nextInto([&](detail::ElementReader &names, detail::ElementReader::Name name) -> Object & {
+    record.reset(names.makeValueOrRecord(name, 0));
     return *record;
   });
 }
 
 bool RecordFileReader::next(Object &record) {
-  return nextInto([&](iByteInputStream const &, BaseString<char> const &name) -> Object & {
-    char const *mine = record.getClassTag().getName();
-    if (!ClassTag::isInterned(name.getBuffer()) || ClassTag(name.getBuffer()).getId() != record.getClassTag().getId())
-      throw Exception("the record holds a %hs, not a %hs", name.getBuffer(), mine);
+  return nextInto([&](detail::ElementReader &names, detail::ElementReader::Name name) -> Object & {
+    names.checkNoZero(name, 0);
+    BaseString<char> const held(name.bytes, name.length);
+    ClassTag tag;
+    if (!ClassTag::lookup(held.getBuffer(), tag) || tag.getId() != record.getClassTag().getId())
+      throw Exception("the record holds a %hs, not a %hs", held.getBuffer(), record.getClassTag().getName());
     return record;
   });
 }

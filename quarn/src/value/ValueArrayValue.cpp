@@ -1,12 +1,10 @@
 // ValueArrayValue.cpp - owned elements of any class, their order, hash and named payload
 #include <quarn/core/Annotate.h>
-#include <quarn/core/CClassRegistryFile.h>
 #include <quarn/core/Class.h>
 #include <quarn/value/ByteCodec.h>
 #include <quarn/value/ByteStream.h>
 #include <quarn/value/MemoryStream.h>
 #include <quarn/value/NullValue.h>
-#include <quarn/value/StreamLoadingPolicy.h>
 #include <quarn/value/ValueArrayValue.h>
 #include <quarnCore/Exception.h>
 
@@ -16,8 +14,8 @@
 #include <utility>
 
 #include "ArrayCoding.h"
-#include "ClassNameMemo.h"
 #include "ElementArrays.h"
+#include "ElementByName.h"
 #include "NarrowText.h"
 
 namespace quarn {
@@ -74,123 +72,6 @@ class NestingLevel {
   NestingLevel(NestingLevel const &) = delete;
   NestingLevel &operator=(NestingLevel const &) = delete;
 };
-
-/// This thread's memo of element class names.
-constinit thread_local detail::ClassNameMemo t_names;
-
-/// What reading the element class names of one array works with: the memo of
-/// this thread (one look-up of the thread-local) and the binding generation
-/// when the reading began.
-struct NameContext {
-  iByteInputStream const &in;  // whose loading policy decides whether a library may load
-  detail::ClassNameMemo &memo = t_names;
-  unsigned int generation = ClassTag::getBindingGeneration();
-};
-
-void checkNoZero(char const *bytes, unsigned int length, unsigned int index) {
-  if (std::memchr(bytes, 0, length)) [[unlikely]]
-    throw Exception("ValueArrayValue element %u has a class name with a zero byte", index);
-}
-
-[[noreturn, gnu::cold]] void failNotRegistered(char const *name) { throw Exception("Class %hs not registered.", name); }
-
-/// `made` as a value, or handed back and refused ("Class %hs is not a value",
-/// with the `length` bytes of the name at `bytes`).
-Value *asValue(Object *made, char const *bytes, unsigned int length) {
-  ObjPtr<Object> owner(made);
-  auto *value = static_cast<Value *>(made->findAs(Value::Tag));
-  if (!value) [[unlikely]]
-    throw Exception("Class %hs is not a value", BaseString<char>(bytes, length).getBuffer());  // `made` is handed back
-  owner.detach();
-  return value;
-}
-
-/// A new value of the class named by the `length` bytes at `bytes` that
-/// element `index` names, when the memo does not know the name (so it may hold
-/// a zero byte, which is refused first): one registry probe finds an interned
-/// name and its bound class; otherwise the value is made by name as
-/// Class::getClassInstance makes it, which may load the component library
-/// registered for the name. A name that is neither interned nor registered is
-/// refused before it is interned, so that hostile data cannot fill the tag
-/// registry with names. A bound class is remembered for the exact interned
-/// spelling when its instances are values through their Value base, so that
-/// the memo can answer with a cast.
-[[gnu::noinline]] Value *makeUnknownName(char const *bytes, unsigned int length, unsigned int index,
-                                         NameContext const &names) {
-  checkNoZero(bytes, length, index);
-  char name[ValueArrayValue::kMaxClassNameLength + 1];
-  std::memcpy(name, bytes, length);
-  name[length] = 0;
-  ClassTag tag;
-  bool const interned = ClassTag::lookup(name, tag);
-  if (interned) {
-    if (Class const *c = tag.findClass()) {
-      if (!c->makesValues()) [[unlikely]]
-        throw Exception("Class %hs is not a value", name);
-      Object *made = c->newInstance();
-      if (!made) [[unlikely]]
-        failNotRegistered(tag.getName());
-      Value *value = asValue(made, bytes, length);
-      if (static_cast<Object *>(value) == made && tag.getNameLength() == length &&
-          std::memcmp(tag.getName(), name, length) == 0)
-        names.memo.remember(tag.getName(), length, names.generation, c);
-      return value;
-    }
-  }
-  if (!interned && !CClassRegistryFile::Exists(name)) [[unlikely]]
-    failNotRegistered(name);
-  if (!StreamLoadingScope::allows(names.in, name)) [[unlikely]]
-    throw Exception("Class %hs is not loaded and this stream may not load it", name);
-  return asValue(Class::getClassInstance(interned ? tag : ClassTag(name)), bytes, length);
-}
-
-/// A new value of the class whose name element `index` gives as the `length`
-/// bytes at `bytes`, read from a stream. Names this thread read lately come
-/// from its memo (an interned spelling has no zero byte, and the memo holds
-/// only classes whose instances are values through their Value base); any
-/// other goes to makeUnknownName. An object that is not a value is handed
-/// back and refused.
-Value *makeByName(char const *bytes, unsigned int length, unsigned int index, NameContext const &names) {
-  if (Class const *c = names.memo.find(bytes, length, names.generation)) [[likely]] {
-    Object *made = c->newInstance();
-    if (!made) [[unlikely]]
-      failNotRegistered(BaseString<char>(bytes, length).getBuffer());
-    return static_cast<Value *>(made);
-  }
-  return makeUnknownName(bytes, length, index, names);
-}
-
-/// The length L of element `index`'s class name (its byte count plus one), checked.
-unsigned int readClassNameLength(iByteInputStream &in, MemoryInputStream *memory, unsigned int index) {
-  int length;
-  if (memory)
-    *memory >> length;
-  else
-    in >> length;
-  if (length == 0 || length == 1) [[unlikely]]
-    throw Exception("ValueArrayValue element %u has no class name", index);
-  if (length < 0 || static_cast<unsigned int>(length) - 1 > ValueArrayValue::kMaxClassNameLength) [[unlikely]]
-    throw Exception("Invalid class name length %d in ValueArrayValue element %u", length, index);
-  return static_cast<unsigned int>(length - 1);
-}
-
-/// The name of `length` bytes read through the stream into a buffer of its own.
-[[gnu::noinline]] Value *makeFromStreamedName(iByteInputStream &in, unsigned int length, unsigned int index,
-                                              NameContext const &names) {
-  char name[ValueArrayValue::kMaxClassNameLength];
-  detail::readNarrowBytes(in, name, length);
-  return makeByName(name, length, index, names);
-}
-
-/// A new value of the class that element `index` names in its framing. From
-/// a memory stream the name is looked at where it lies.
-Value *readElementClass(iByteInputStream &in, MemoryInputStream *memory, unsigned int index, NameContext const &names) {
-  unsigned int const length = readClassNameLength(in, memory, index);
-  if (!memory || memory->getRemaining() < length) return makeFromStreamedName(in, length, index, names);
-  auto const *name = reinterpret_cast<char const *>(memory->getCursor());
-  memory->advance(length);
-  return makeByName(name, length, index, names);
-}
 
 /// Writes element `e`'s class name framing: L = characters + 1 (0 for no
 /// name), then the characters. The name and its length come with the tag.
@@ -311,10 +192,9 @@ void ValueArrayValue::deserialize(iByteInputStream &in) {
     // keeps; the old ones are handed back only once every new one is in.
     ReadTail read(m_array);
     m_array.reserve(m_array.getSize() + std::min(n, 64u));  // little ahead: arrays nest, and each count is unproven
-    MemoryInputStream *memory = detail::asMemoryStream(in);
-    NameContext const names{in};
+    detail::ElementReader names(in, "ValueArrayValue element");
     for (unsigned int k = 0; k < n; ++k) {
-      Value *value = readElementClass(in, memory, k, names);
+      Value *value = names.readValue(k);
       read.append(value);
       value->deserialize(in);
     }

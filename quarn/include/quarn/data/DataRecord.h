@@ -21,8 +21,13 @@
 // %ls"; a bad class name the value array's messages ("DataRecord property %u
 // has no class name", "Class %hs not registered.", "Class %hs is not a
 // value", ...); a short stream the primitive's EOF message. Every failure is
-// annotated "DataRecord::deserialize: Tessary exception caught", releases
-// what was read and leaves the record as it was.
+// annotated "DataRecord::deserialize: Tessary exception caught" and releases
+// what was read; the record keeps its properties (same names, same order),
+// though values the stream named again in the same place may hold what was
+// read into them. Reading a record again from a stream that names its
+// properties in the order it holds them (a pooled record, a record read in a
+// loop) reads each value into the property that holds it, into the value
+// itself when the stream names its class: no allocation once warm.
 #pragma once
 
 #include <quarn/core/ComponentImpl.h>

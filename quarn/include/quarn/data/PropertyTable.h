@@ -63,6 +63,11 @@ class QUARN_API PropertyTable {
   /// Makes room for `count` properties (the index too), so appending up to it
   /// allocates nothing more.
   void reserve(unsigned int count);
+  /// Puts `property` (defined, named as property `i` is) in place of
+  /// property `i`, which is released; takes a reference on it. Unchecked.
+  void replaceAt(unsigned int i, Property *property) noexcept;
+  /// Releases the properties from position `n` on (n < size); keeps the storage.
+  void truncate(unsigned int n) noexcept;
   /// Removes property `i` and releases it (checked).
   void removeAt(unsigned int i);
   /// Removes the property named `name`; false when there is none.
