@@ -6,9 +6,9 @@
 // read outside the input, no unbounded allocation, no leak. Every record
 // read must serialise in the file's stream version and read back equal
 // (FuzzTargets.h). No class name may load a component library.
-#include "FuzzTargets.h"
-
 #include <cstdint>
+
+#include "FuzzTargets.h"
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const *data, std::size_t size) {
   using namespace quarn;
