@@ -26,7 +26,7 @@ run() {
   grep -E "^#[0-9]+[[:space:]]+DONE|^Done|stat::peak_rss_mb" "$log" || true
 }
 
-for target in payload text textutil registration; do
+for target in payload text textutil registration record recordfile; do
   bin="$build/fuzz/quarn_fuzz_$target"
   inputs=("fuzz/corpus/$target")
   [ -d "fuzz/regressions/$target" ] && inputs+=("fuzz/regressions/$target")
