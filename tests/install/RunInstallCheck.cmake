@@ -56,6 +56,25 @@ step("configure the copied example" STATUS 0
              -DCMAKE_PREFIX_PATH=${prefix} "-DCMAKE_CXX_FLAGS=${CXX_FLAGS}")
 step("build the copied example" STATUS 0 COMMAND ${CMAKE_COMMAND} --build ${WORK_DIR}/example-build)
 set(example ${WORK_DIR}/example-build/libquarnExample.so)
+# A component whose interface lost its QUARN_DEFINE_INTERFACE must fail to
+# link (-z defs), not load and fail in the first host. Sanitizer builds leave
+# -z defs out, so only the plain build checks it.
+if(NOT CXX_FLAGS MATCHES "-fsanitize")
+  file(COPY ${EXAMPLE_DIR}/ DESTINATION ${WORK_DIR}/undefined)
+  file(READ ${WORK_DIR}/undefined/Interfaces.cpp source)
+  string(REPLACE "QUARN_DEFINE_INTERFACE(iSampler);" "" source "${source}")
+  file(WRITE ${WORK_DIR}/undefined/Interfaces.cpp "${source}")
+  step("configure a component with an undefined interface" STATUS 0
+       COMMAND ${CMAKE_COMMAND} -S ${WORK_DIR}/undefined -B ${WORK_DIR}/undefined-build
+               -DCMAKE_PREFIX_PATH=${prefix} "-DCMAKE_CXX_FLAGS=${CXX_FLAGS}")
+  execute_process(COMMAND ${CMAKE_COMMAND} --build ${WORK_DIR}/undefined-build RESULT_VARIABLE rc
+                  OUTPUT_VARIABLE out ERROR_VARIABLE err)
+  string(FIND "${out}${err}" "undefined reference to `example::iSampler::Tag'" at)
+  if(rc EQUAL 0 OR at EQUAL -1)
+    message(FATAL_ERROR "a component without QUARN_DEFINE_INTERFACE(iSampler) linked (status ${rc}):\n${out}\n${err}")
+  endif()
+  message(STATUS "ok: a component with an undefined interface fails to link")
+endif()
 step("configure the consumer" STATUS 0
      COMMAND ${CMAKE_COMMAND} -S ${SOURCE_DIR} -B ${WORK_DIR}/build -DCMAKE_PREFIX_PATH=${prefix}
              "-DCMAKE_CXX_FLAGS=${CXX_FLAGS}" -DEXAMPLE_SOURCE=${WORK_DIR}/example
