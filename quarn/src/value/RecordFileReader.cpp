@@ -15,6 +15,7 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <optional>
 #include <string>
 
 #include "ElementByName.h"
@@ -35,9 +36,12 @@ constexpr std::size_t kSearchChunk = 4096;
 
 /// Reads the class name that opens a record's payload, gets the object to
 /// read into from `into`, reads its bytes and checks that it read all of them.
+/// The record's slice follows the loading policy of the file's stream `outer`.
 template <class Into>
-void decodeRecord(unsigned char const *payload, std::uint32_t size, int version, Into into) {
+void decodeRecord(unsigned char const *payload, std::uint32_t size, int version, iByteInputStream const &outer,
+                  Into into) {
   MemoryInputStream in(payload, size, version);
+  StreamLoadingScope const follow(in, outer);
   detail::ElementReader names(in, nullptr);
   detail::ElementReader::Scratch scratch;
   Object &record = into(names, names.readName(0, scratch));
@@ -251,7 +255,9 @@ bool RecordFileReader::nextInto(Into into) {
   std::uint32_t size;
   if (!nextBytes(bytes, size)) return false;
   try {
-    decodeRecord(bytes, size, m_header.streamVersion, into);
+    std::optional<StreamLoadingScope> own;
+    if (m_policy) own.emplace(*m_in, *m_policy);
+    decodeRecord(bytes, size, m_header.streamVersion, *m_in, into);
   } catch (Exception const &e) {
     throw Exception("Record %llu at offset %llu: %ls", static_cast<ull>(m_recordIndex),
                     static_cast<ull>(m_recordOffset), e.getMessage().getBuffer());

@@ -23,10 +23,13 @@
 // A file cut anywhere thus reads every whole record and then says where it
 // was cut; after a cut next() answers false. A damaged header throws from
 // the constructor (the messages of RecordFile.h's header checks). Nothing
-// read is trusted: a record's storage grows only as its bytes arrive. Each
-// record is read from a slice of its own, under the process's
-// StreamLoadingPolicy, which decides whether a class name in it may load its
-// component library.
+// read is trusted: a record's storage grows only as its bytes arrive.
+//
+// Whether a class name in a record may load its component library is decided
+// by the reader's own policy (setLoadingPolicy), else by a StreamLoadingScope
+// on the stream the reader reads, else by the process policy
+// (StreamLoadingPolicy.h): records are read from slices of their own, which
+// follow it.
 //
 //   RecordFileReader in("records.qrf");
 //   ObjPtr<Value> record;
@@ -41,10 +44,12 @@
 #include <quarn/value/ByteStream.h>
 #include <quarn/value/FileStream.h>
 #include <quarn/value/RecordFile.h>
+#include <quarn/value/StreamLoadingPolicy.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace quarn {
@@ -65,6 +70,10 @@ class QUARN_API RecordFileReader {
   ~RecordFileReader();
 
   RecordFileHeader const &getHeader() const noexcept { return m_header; }
+
+  /// Reads every record from now on under `policy`, whatever the scopes of
+  /// the stream or the process policy say.
+  void setLoadingPolicy(StreamLoadingPolicy policy) { m_policy = std::move(policy); }
 
   /// Reads the next record into `record` (a new value of the class the
   /// record names, handed back with `record`); false at the end of the file.
@@ -121,6 +130,7 @@ class QUARN_API RecordFileReader {
   std::uint32_t m_payloadSize = 0;
   std::vector<std::uint64_t> m_offsets;  // of the records seen so far, by number
   RecordFileHeader m_header;
+  std::optional<StreamLoadingPolicy> m_policy;  // set by setLoadingPolicy
   std::uint64_t m_index = 0;
   std::uint64_t m_recordIndex = 0;
   std::uint64_t m_recordOffset = 0;

@@ -20,6 +20,10 @@
 //   quarn::StreamLoadingScope scope(in, quarn::StreamLoadingPolicy::forbidAll());
 //   record.deserialize(in);   // only classes already bound can be read
 //
+// A stream read while another is read (a record's own slice of a record
+// file, say) follows the outer stream's policy through a scope that names
+// both: StreamLoadingScope(inner, outer).
+//
 // Threads: scopes belong to the thread that made them; the process policy may
 // be changed from any thread and applies to reads that start afterwards.
 #pragma once
@@ -27,6 +31,7 @@
 #include <quarn/core/Export.h>
 #include <quarn/value/ByteStream.h>
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -49,16 +54,20 @@ class QUARN_API StreamLoadingPolicy {
   static StreamLoadingPolicy processPolicy();
 
  private:
-  StreamLoadingPolicy(bool all, std::vector<std::string> prefixes) : m_all(all), m_prefixes(std::move(prefixes)) {}
+  StreamLoadingPolicy(bool all, std::shared_ptr<std::vector<std::string> const> prefixes)
+      : m_all(all), m_prefixes(std::move(prefixes)) {}
 
   bool m_all;
-  std::vector<std::string> m_prefixes;
+  std::shared_ptr<std::vector<std::string> const> m_prefixes;  // shared, so that a copy allocates nothing
 };
 
 /// While it lives, `policy` decides for every read of `stream` on this thread.
 class QUARN_API StreamLoadingScope {
  public:
   StreamLoadingScope(iByteInputStream const &stream, StreamLoadingPolicy policy);
+  /// While it lives, reads of `stream` on this thread follow the policy in
+  /// force for `outer` now (its innermost scope's, else the process policy).
+  StreamLoadingScope(iByteInputStream const &stream, iByteInputStream const &outer);
   ~StreamLoadingScope();
   StreamLoadingScope(StreamLoadingScope const &) = delete;
   StreamLoadingScope &operator=(StreamLoadingScope const &) = delete;
@@ -67,8 +76,11 @@ class QUARN_API StreamLoadingScope {
   static bool allows(iByteInputStream const &stream, char const *className);
 
  private:
+  static StreamLoadingScope const *find(iByteInputStream const &stream) noexcept;
+
   iByteInputStream const *m_stream;
   StreamLoadingPolicy m_policy;
+  StreamLoadingScope const *m_rules;  // the scope whose m_policy decides; null: the process policy
   StreamLoadingScope *m_outer;
 };
 
