@@ -21,6 +21,14 @@ function(quarn_library target)
   # (GCC's option; clang makes no such symbols and does not know it.)
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     target_compile_options(${target} PRIVATE -fno-gnu-unique)
+    # Thread-locals (the pools' per-thread caches, the class-name memo) are
+    # reached through TLS descriptors: a load and an indirect call that
+    # returns at once, instead of a call of __tls_get_addr on every pooled
+    # take and return. Sanitizer runtimes watch __tls_get_addr, so their
+    # builds keep the default.
+    if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64" AND NOT QUARN_SANITIZE AND NOT QUARN_TSAN)
+      target_compile_options(${target} PRIVATE -mtls-dialect=gnu2)
+    endif()
   endif()
   # Installed, each library finds its siblings (libquarn -> libquarnCore) beside itself.
   set_target_properties(${target} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}

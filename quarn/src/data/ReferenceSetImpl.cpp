@@ -6,6 +6,7 @@
 #include <quarn/value/Value.h>
 #include <quarnCore/Throw.h>
 
+#include <cstdio>
 #include <string>
 
 namespace quarn {
@@ -102,7 +103,9 @@ namespace {
 
 /// "[i] " at the start of a listing line.
 void beginLine(BaseString<unsigned short> &out, unsigned int i) {
-  out.appendAscii(("[" + std::to_string(i) + "] ").c_str());
+  char text[16];
+  std::snprintf(text, sizeof text, "[%u] ", i);
+  out.appendAscii(text);
 }
 
 }  // namespace
