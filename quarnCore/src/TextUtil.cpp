@@ -7,6 +7,7 @@
 // exceptions from one cold function.
 #include <quarnCore/TextUtil.h>
 
+#include <algorithm>
 #include <bit>
 #include <charconv>
 #include <climits>
@@ -138,10 +139,12 @@ bool exceedsDouble(char const *p, char const *last) noexcept {
   }
   if (p != last && (*p | 0x20) == 'e') {
     if (++p != last && *p == '+') ++p;
+    // The order counts digits of the text, far from LLONG_MAX / 2, so an
+    // exponent held to that bound cannot overflow the sum.
     long long exponent = 0;
     if (std::from_chars(p, last, exponent).ec == std::errc::result_out_of_range)
       exponent = *p == '-' ? -LLONG_MAX / 2 : LLONG_MAX / 2;
-    order += exponent;
+    order += std::clamp(exponent, -LLONG_MAX / 2, LLONG_MAX / 2);
   }
   return order > 0;
 }

@@ -117,6 +117,8 @@ TEST(TextUtilTest, EndPointerMarksWhereReadingStopped) {
   struct DoubleCase { char const *text; double value; long consumed; } const doubles[] = {
       {"1e+", 1.0, 1}, {"3.5abc", 3.5, 3}, {" -1e999 ", -kInf, 7}, {"1e99999999999999999999", kInf, 22},
       {"infinite", kInf, 3}, {".x", 0.0, 0}, {"+-2", 0.0, 0}, {"0.000001e-999", 0.0, 13},
+      {"12e9223372036854775807", kInf, 22}, {"-12e9223372036854775807", -kInf, 23},  // exponent LLONG_MAX
+      {"0.001e-9223372036854775807", 0.0, 26},
   };
   // clang-format on
   for (auto const &c : doubles) expectStop(stringToDouble, stringToDouble, c.text, c.value, c.consumed);
