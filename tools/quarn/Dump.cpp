@@ -87,11 +87,15 @@ std::string listed(unsigned int count, Item item) {
 std::string textOf(Value const &value) {
   if (auto const *array = static_cast<ArrayValue const *>(value.findAs(ArrayValue::Tag))) {
     unsigned int n = array->getSize();
-    return "[" + std::to_string(n) + "]" + (n ? " " : "") + listed(n, [&](unsigned int i) {
-             WString text;
-             array->getIthString(i, text);
-             return shortened(utf8(text));
-           });
+    std::string out = "[";  // appended piece by piece: GCC 12 misreads "[" + std::string (-Wrestrict)
+    out += std::to_string(n);
+    out += n ? "] " : "]";
+    out += listed(n, [&](unsigned int i) {
+      WString text;
+      array->getIthString(i, text);
+      return shortened(utf8(text));
+    });
+    return out;
   }
   WString text, extra;
   if (auto const *bits = static_cast<BitsetValue const *>(value.findAs(BitsetValue::Tag))) {
@@ -193,9 +197,9 @@ void printRaw(std::ostream &out, unsigned char const *p, std::size_t size, std::
     std::snprintf(start, sizeof start, "  %8llu  ", static_cast<unsigned long long>(offset + at));
     std::string text = label;
     if (text.empty()) {
-      text = "|";
+      text.push_back('|');
       for (std::size_t i = 0; i < n; ++i) text += std::isprint(p[at + i]) ? static_cast<char>(p[at + i]) : '.';
-      text += "|";
+      text.push_back('|');
     }
     std::string hex = hexOf(p + at, n);
     out << start << hex << std::string(hex.size() < 48 ? 48 - hex.size() : 1, ' ') << text << '\n';
